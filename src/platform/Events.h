@@ -1,0 +1,65 @@
+// Mouse and key events: posting them, and seeing the keys that are about to reach a panel of ours.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+
+#include "base/Geometry.h"
+#include "base/Subscription.h"
+
+namespace tarvix {
+
+enum class MouseEventType : std::uint8_t {
+    leftMouseDown = 1,
+    leftMouseUp = 2,
+    rightMouseDown = 3,
+    rightMouseUp = 4,
+    mouseMoved = 5,
+};
+
+// The modifier bits of events.
+namespace eventFlag {
+inline constexpr std::uint64_t shift = 0x20000;
+inline constexpr std::uint64_t control = 0x40000;
+inline constexpr std::uint64_t option = 0x80000;
+inline constexpr std::uint64_t command = 0x100000;
+inline constexpr std::uint64_t secondaryFn = 0x800000;
+}  // namespace eventFlag
+
+struct MouseEvent {
+    MouseEventType type = MouseEventType::mouseMoved;
+    AxPoint point;
+    int button = 0;                      // 0 left, 1 right
+    int clickState = 0;                  // 1 for the first click, 2 for the second of a double click, 0 for a move
+    std::optional<std::uint64_t> flags;  // absent: the modifiers that the user holds stay in effect
+    friend bool operator==(const MouseEvent&, const MouseEvent&) = default;
+};
+
+enum class KeyEventType : std::uint8_t { keyDown = 10, keyUp = 11 };
+
+struct KeyEvent {
+    KeyEventType type = KeyEventType::keyDown;
+    std::uint16_t keyCode = 0;  // a position on the table of `Key`
+    std::uint64_t flags = 0;    // eventFlag bits
+    friend bool operator==(const KeyEvent&, const KeyEvent&) = default;
+};
+
+enum class Verdict { pass, consume };
+
+// Main thread.
+class Events {
+public:
+    virtual ~Events() = default;
+
+    // Posts one event as if the hardware had made it, and returns before it is delivered. False when the event could not
+    // be made; nothing is posted then.
+    virtual bool post(const MouseEvent& event) = 0;
+    virtual bool post(const KeyEvent& event) = 0;
+
+    // Offers each key press that is about to reach one of our panels, before the panel sees it; a consumed one never
+    // reaches it. One monitor at a time.
+    [[nodiscard]] virtual Subscription monitorKeyDown(std::function<Verdict(const KeyEvent&)> seen) = 0;
+};
+
+}  // namespace tarvix

@@ -1,0 +1,140 @@
+// The windows of our own: The Input, the canvas of the markers, the dimming panel. None of them ever becomes the active
+// window or activates this program. All on the main thread; all rectangles in panel coordinates unless said otherwise.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "base/Geometry.h"
+#include "base/Subscription.h"
+
+namespace tarvix {
+
+struct Color {
+    double red = 0, green = 0, blue = 0, alpha = 1;
+    friend bool operator==(Color, Color) = default;
+};
+
+// The colours that the desktop defines itself; they change with its appearance.
+class SystemColors {
+public:
+    virtual ~SystemColors() = default;
+    virtual Color findHighlight() = 0;
+    virtual Color controlAccent() = 0;
+    virtual Color selectedControl() = 0;
+};
+
+// A stroke or, with a line width of 0, a fill of a marker's bounds inset on each side.
+struct MarkerShape {
+    double inset = 0;
+    double lineWidth = 0;
+    Color color;
+    friend bool operator==(const MarkerShape&, const MarkerShape&) = default;
+};
+
+// One marker as it is painted: shapes in order, the whole clipped to rounded corners and made translucent together.
+struct MarkerDrawing {
+    PanelRect frame;  // relative to the canvas's bottom left corner, y upwards
+    double alpha = 1;
+    double cornerRadius = 0;
+    std::vector<MarkerShape> shapes;
+    friend bool operator==(const MarkerDrawing&, const MarkerDrawing&) = default;
+};
+
+// The full-screen, click-through, transparent panel at level 1000.
+class CanvasPanel {
+public:
+    virtual ~CanvasPanel() = default;
+    virtual void setFrame(PanelRect frame) = 0;
+    virtual PanelRect frame() const = 0;
+    // Above everything, and shown if it wasn't.
+    virtual void orderFrontRegardless() = 0;
+    virtual void orderOut() = 0;
+    // Asks for the content anew before the next frame; several requests in one pass of the loop cost one painting.
+    virtual void setNeedsDisplay() = 0;
+    // Where the content comes from when it is painted. Set once, right after creation.
+    virtual void setContent(std::function<std::vector<MarkerDrawing>()> content) = 0;
+};
+
+// How The Input looks, in points.
+struct InputLook {
+    double textSize = 16;
+    double backgroundOpacity = 0.9;
+    double cornerRadius = 6;
+    double borderThickness = 2;
+    friend bool operator==(const InputLook&, const InputLook&) = default;
+};
+
+// The Input's own window and text field, at level 1000.
+class InputPanel {
+public:
+    virtual ~InputPanel() = default;
+
+    virtual PanelRect frame() const = 0;
+    virtual void setFrame(PanelRect frame) = 0;
+    virtual bool isVisible() const = 0;
+    // Shows the panel in front of everything and gives it the keyboard; the application stays the active one.
+    virtual void makeKeyAndOrderFront() = 0;
+    // Hides it and gives the keyboard back, with nothing held or grabbed.
+    virtual void orderOut() = 0;
+
+    // The text of the field. Setting it is not reported to onTextChanged.
+    virtual void setText(const std::string& text) = 0;
+    virtual void setShowsProgress(bool shows) = 0;
+    virtual void setLook(const InputLook& look) = 0;
+
+    // The user has changed the text.
+    [[nodiscard]] virtual Subscription onTextChanged(std::function<void(const std::string& text)> changed) = 0;
+    // The ideal width of the measuring text ("X", the text, "XX") in the present font, paddings not counted; reported at
+    // creation and whenever it changes.
+    [[nodiscard]] virtual Subscription onMeasured(std::function<void(double width)> measured) = 0;
+    // The panel has lost the keyboard other than by orderOut(): a click elsewhere, another active window.
+    [[nodiscard]] virtual Subscription onResignKey(std::function<void()> resigned) = 0;
+    // The cancel key reached the panel.
+    [[nodiscard]] virtual Subscription onCancel(std::function<void()> cancelled) = 0;
+};
+
+// The black, click-through panel that dims one screen.
+class DimmingPanel {
+public:
+    virtual ~DimmingPanel() = default;
+    virtual void setFrame(PanelRect frame) = 0;
+    // 1000: above all windows of applications. 0: among them.
+    virtual void setLevel(int level) = 0;
+    virtual void setAlpha(double alpha) = 0;
+    // Goes over to an alpha by the platform's ordinary fade.
+    virtual void animateAlpha(double alpha) = 0;
+    virtual void orderFront() = 0;
+    // Directly below a window of the window server's numbering.
+    virtual void orderBelow(std::uint32_t windowNumber) = 0;
+};
+
+class Panels {
+public:
+    virtual ~Panels() = default;
+    virtual std::unique_ptr<InputPanel> makeInputPanel() = 0;
+    virtual std::unique_ptr<CanvasPanel> makeCanvasPanel() = 0;
+    virtual std::unique_ptr<DimmingPanel> makeDimmingPanel() = 0;
+    virtual SystemColors& colors() = 0;
+};
+
+// What a panel's implementation needs of the windowing system that its toolkit doesn't offer.
+class PanelWindowing {
+public:
+    virtual ~PanelWindowing() = default;
+
+    // Gives the keyboard to one of our windows without making it active; `lost` is called, once, when it is taken away
+    // other than by releaseKeyboard(). False when the keyboard can't be had at all.
+    virtual bool takeKeyboard(std::uint32_t window, std::function<void()> lost) = 0;
+    virtual void releaseKeyboard() = 0;
+    // Puts a window of ours directly below another one, or above everything.
+    virtual void stackBelow(std::uint32_t window, std::uint32_t sibling) = 0;
+    virtual void stackOnTop(std::uint32_t window) = 0;
+    // Whether translucent windows are blended.
+    virtual bool isComposited() = 0;
+};
+
+}  // namespace tarvix

@@ -1,0 +1,37 @@
+// All services of one platform together, as the application core is given them.
+#pragma once
+
+namespace tarvix {
+
+class AccessibilityService;
+class Events;
+class HotKeys;
+class InputSources;
+class Milestones;
+class NotificationCenter;
+class Panels;
+class Pasteboard;
+class RunLoop;
+class Screens;
+class UserDefaults;
+class WindowServer;
+class Workspace;
+
+// Every service outlives whatever is built with it.
+struct Platform {
+    AccessibilityService& accessibility;
+    Workspace& workspace;
+    WindowServer& windowServer;
+    Screens& screens;
+    Events& events;
+    HotKeys& hotKeys;
+    InputSources& inputSources;
+    Panels& panels;
+    RunLoop& runLoop;
+    UserDefaults& userDefaults;
+    Pasteboard& pasteboard;
+    NotificationCenter& notificationCenter;
+    Milestones& milestones;
+};
+
+}  // namespace tarvix
