@@ -14,19 +14,19 @@ namespace tarvix {
 
 // A client's top-level window, or an override-redirect one (a popup), in root pixels.
 struct X11Window {
-    std::uint32_t number = 0;      // the client's own window, not the window manager's frame
-    std::int32_t pid = -1;         // by the X server's own book-keeping (XRes), _NET_WM_PID only where that says nothing
-    std::string title;             // _NET_WM_NAME, else WM_NAME
-    std::string windowClass;       // the class part of WM_CLASS
-    std::string windowInstance;    // the instance part of WM_CLASS
-    AxRect client;                 // the client window with the shadow that the client draws itself
+    std::uint32_t number = 0;    // the client's own window, not the window manager's frame
+    std::int32_t pid = -1;       // by the X server's own book-keeping (XRes), _NET_WM_PID only where that says nothing
+    std::string title;           // _NET_WM_NAME, else WM_NAME
+    std::string windowClass;     // the class part of WM_CLASS
+    std::string windowInstance;  // the instance part of WM_CLASS
+    AxRect client;               // the client window with the shadow that the client draws itself
     struct Extents {
         double left = 0, right = 0, top = 0, bottom = 0;
         friend bool operator==(const Extents&, const Extents&) = default;
     };
     std::optional<Extents> gtkFrameExtents;  // the width of that shadow (_GTK_FRAME_EXTENTS); absent where not set
     std::optional<Extents> frameExtents;     // the window manager's decoration (_NET_FRAME_EXTENTS)
-    std::vector<std::string> types;          // _NET_WM_WINDOW_TYPE by name, "DOCK", "NORMAL", ..., in the client's order
+    std::vector<std::string> types;  // _NET_WM_WINDOW_TYPE by name, "DOCK", "NORMAL", ..., in the client's order
     bool isFullScreen = false;
     bool isMinimized = false;
     bool isOverrideRedirect = false;
@@ -47,8 +47,8 @@ public:
     static Outcome<std::unique_ptr<X11Windows>> open();
     virtual ~X11Windows() = default;
 
-    // The active window by the window manager's word (_NET_ACTIVE_WINDOW). Without a window manager, the top-level window
-    // that has the keyboard, or the one under the pointer where the keyboard follows the pointer.
+    // The active window by the window manager's word (_NET_ACTIVE_WINDOW). Without a window manager, the top-level
+    // window that has the keyboard, or the one under the pointer where the keyboard follows the pointer.
     virtual std::optional<X11Window> active() = 0;
     virtual std::optional<X11Window> window(std::uint32_t number) = 0;
     // All viewable client windows and viewable override-redirect windows, front to back.

@@ -1,0 +1,151 @@
+#include "linux/x11/X11Connection.h"
+
+#include <sys/eventfd.h>
+#include <unistd.h>
+
+#include <utility>
+
+namespace tarvix {
+
+namespace {
+
+constexpr std::uint32_t kLongestProperty = 64 * 1024 / 4;
+
+const xcb_screen_t* screenOf(xcb_connection_t* connection, int number) {
+    xcb_screen_iterator_t screens = xcb_setup_roots_iterator(xcb_get_setup(connection));
+    for (; screens.rem > 0; xcb_screen_next(&screens))
+        if (number-- == 0) return screens.data;
+    return nullptr;
+}
+
+}  // namespace
+
+Outcome<std::unique_ptr<X11Connection>> X11Connection::open() {
+    int screenNumber = 0;
+    xcb_connection_t* connection = xcb_connect(nullptr, &screenNumber);
+    const bool connected = xcb_connection_has_error(connection) == 0;
+    const xcb_screen_t* screen = connected ? screenOf(connection, screenNumber) : nullptr;
+    if (!screen) {
+        xcb_disconnect(connection);
+        return Fault{"the X display can't be opened"};
+    }
+    return std::unique_ptr<X11Connection>(new X11Connection(connection, screenNumber, screen));
+}
+
+X11Connection::X11Connection(xcb_connection_t* connection, int screenNumber, const xcb_screen_t* screen)
+    : connection_(connection), screenNumber_(screenNumber), screen_(screen) {}
+
+X11Connection::~X11Connection() {
+    watching_.reset();
+    watchingWakeUp_.reset();
+    if (wakeUp_ >= 0) close(wakeUp_);
+    xcb_disconnect(connection_);
+}
+
+const xcb_query_extension_reply_t* X11Connection::extension(xcb_extension_t& extension) const {
+    const xcb_query_extension_reply_t* record = xcb_get_extension_data(connection_, &extension);
+    return record && record->present ? record : nullptr;
+}
+
+std::uint8_t X11Connection::errorOf(xcb_void_cookie_t cookie) {
+    const Reply<xcb_generic_error_t> error(xcb_request_check(connection_, cookie));
+    keepEvents();
+    return error ? error->error_code : std::uint8_t{0};
+}
+
+xcb_atom_t X11Connection::atom(std::string_view name) {
+    if (const auto known = atoms_.find(name); known != atoms_.end()) return known->second;
+    intern({name});
+    const auto found = atoms_.find(name);
+    return found == atoms_.end() ? xcb_atom_t{XCB_ATOM_NONE} : found->second;
+}
+
+void X11Connection::intern(std::initializer_list<std::string_view> names) {
+    std::vector<std::pair<std::string_view, xcb_intern_atom_cookie_t>> asked;
+    for (const std::string_view name : names)
+        asked.emplace_back(name, xcb_intern_atom(connection_, 0, static_cast<std::uint16_t>(name.size()), name.data()));
+    for (const auto& [name, cookie] : asked)
+        if (const auto answer = reply<xcb_intern_atom_reply>(cookie)) atoms_.emplace(name, answer->atom);
+}
+
+const std::string& X11Connection::atomName(xcb_atom_t atom) {
+    const auto [entry, isNew] = atomNames_.try_emplace(atom);
+    if (!isNew) return entry->second;
+    if (const auto answer = reply<xcb_get_atom_name_reply>(xcb_get_atom_name(connection_, atom)))
+        entry->second.assign(xcb_get_atom_name_name(answer.get()),
+                             static_cast<std::size_t>(xcb_get_atom_name_name_length(answer.get())));
+    return entry->second;
+}
+
+xcb_get_property_cookie_t X11Connection::askProperty(xcb_window_t window, std::string_view name) {
+    return xcb_get_property(connection_, 0, window, atom(name), XCB_GET_PROPERTY_TYPE_ANY, 0, kLongestProperty);
+}
+
+std::vector<std::uint32_t> X11Connection::items(xcb_get_property_cookie_t cookie) {
+    const auto answer = reply<xcb_get_property_reply>(cookie);
+    if (!answer || answer->format != 32) return {};
+    const auto* first = static_cast<const std::uint32_t*>(xcb_get_property_value(answer.get()));
+    return {first, first + answer->value_len};
+}
+
+std::optional<std::string> X11Connection::text(xcb_get_property_cookie_t cookie) {
+    const auto answer = reply<xcb_get_property_reply>(cookie);
+    if (!answer || answer->format != 8) return std::nullopt;
+    return std::string(static_cast<const char*>(xcb_get_property_value(answer.get())), answer->value_len);
+}
+
+void X11Connection::selectOnRoot(std::uint32_t mask) {
+    rootMask_ |= mask;
+    xcb_change_window_attributes(connection_, root(), XCB_CW_EVENT_MASK, &rootMask_);
+}
+
+Subscription X11Connection::onEvent(EventHandler handler) {
+    const auto entry = handlers_->insert(handlers_->end(), std::move(handler));
+    return Subscription([handlers = std::weak_ptr(handlers_), entry] {
+        // The entry may be the one that runs right now, so it is emptied here and taken out by the next event.
+        if (const auto alive = handlers.lock()) *entry = nullptr;
+    });
+}
+
+void X11Connection::watch(ReadWatcher& watcher) {
+    wakeUp_ = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+    watching_ = watcher.onReadable(xcb_get_file_descriptor(connection_), [this] { handOutEvents(); });
+    watchingWakeUp_ = watcher.onReadable(wakeUp_, [this] { handOutEvents(); });
+    keepEvents();
+}
+
+void X11Connection::sync() { reply<xcb_get_input_focus_reply>(xcb_get_input_focus(connection_)); }
+
+void X11Connection::keepEvents() {
+    const bool hadNone = kept_.empty();
+    while (Reply<xcb_generic_event_t> event{xcb_poll_for_queued_event(connection_)})
+        if (wakeUp_ >= 0) kept_.push_back(std::move(event));
+    if (hadNone && !kept_.empty()) eventfd_write(wakeUp_, 1);
+}
+
+void X11Connection::handOutEvents() {
+    eventfd_t count;
+    eventfd_read(wakeUp_, &count);
+    const auto next = [this] {
+        if (kept_.empty()) return Reply<xcb_generic_event_t>(xcb_poll_for_event(connection_));
+        auto event = std::move(kept_.front());
+        kept_.pop_front();
+        return event;
+    };
+    while (const auto event = next()) handOut(*event);
+    // A dead connection's descriptor stays readable for ever.
+    if (!isAlive()) watching_.reset();
+    flush();
+}
+
+void X11Connection::handOut(const xcb_generic_event_t& event) {
+    if (event.response_type == 0) return;
+    const auto handlers = handlers_;
+    handlers->remove_if([](const EventHandler& handler) { return !handler; });
+    for (const EventHandler& handler : *handlers) {
+        const EventHandler running = handler;  // it may end its own subscription
+        if (running && running(event) == Handled::yes) return;
+    }
+}
+
+}  // namespace tarvix

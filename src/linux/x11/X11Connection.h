@@ -1,0 +1,118 @@
+// A connection to the X server: replies with an owner, atoms, properties, and its events handed out in order.
+#pragma once
+
+#include <xcb/xcb.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <deque>
+#include <functional>
+#include <initializer_list>
+#include <list>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <vector>
+
+#include "base/Outcome.h"
+#include "base/Subscription.h"
+#include "platform/RunLoop.h"
+
+namespace tarvix {
+
+struct FreeMemory {
+    void operator()(void* memory) const noexcept { std::free(memory); }
+};
+// What xcb allocates and the caller frees: replies, errors, events.
+template <class T>
+using Reply = std::unique_ptr<T, FreeMemory>;
+
+// One thread at a time. After the server has gone replies are null and properties are empty; nothing throws.
+class X11Connection {
+public:
+    // Connects to the display of the environment.
+    static Outcome<std::unique_ptr<X11Connection>> open();
+    X11Connection(const X11Connection&) = delete;
+    X11Connection& operator=(const X11Connection&) = delete;
+    ~X11Connection();
+
+    xcb_connection_t* get() const { return connection_; }
+    xcb_window_t root() const { return screen_->root; }
+    const xcb_screen_t& screen() const { return *screen_; }
+    int screenNumber() const { return screenNumber_; }
+    // False once the server has gone.
+    bool isAlive() const { return xcb_connection_has_error(connection_) == 0; }
+
+    // The server's own record of an extension; null when it hasn't got it. A request of a missing extension ends the
+    // connection, so this is asked first.
+    const xcb_query_extension_reply_t* extension(xcb_extension_t& extension) const;
+
+    // Waits for the reply of a request; null after an error, for instance when the window has gone. All replies are
+    // read here: the events that arrive along with a reply make the descriptor silent, and are kept for the loop.
+    template <auto Receive, class Cookie>
+    auto reply(Cookie cookie) {
+        using Answer = std::remove_pointer_t<decltype(Receive(connection_, cookie, nullptr))>;
+        Reply<Answer> answer(Receive(connection_, cookie, nullptr));
+        keepEvents();
+        return answer;
+    }
+    // Whether a checked request went well; 0 or the error's code.
+    std::uint8_t errorOf(xcb_void_cookie_t cookie);
+
+    // An atom is asked for once; intern() asks for several in one round trip.
+    xcb_atom_t atom(std::string_view name);
+    void intern(std::initializer_list<std::string_view> names);
+    // The name of an atom; empty when there is no such atom.
+    const std::string& atomName(xcb_atom_t atom);
+
+    // Properties of any type; at most 64 KiB of each.
+    xcb_get_property_cookie_t askProperty(xcb_window_t window, std::string_view name);
+    // The items of a property of 32-bit items; empty when it is absent or of another format.
+    std::vector<std::uint32_t> items(xcb_get_property_cookie_t cookie);
+    std::vector<std::uint32_t> items(xcb_window_t window, std::string_view name) {
+        return items(askProperty(window, name));
+    }
+    // The bytes of a property of 8-bit items; absent when it is absent or of another format.
+    std::optional<std::string> text(xcb_get_property_cookie_t cookie);
+    std::optional<std::string> text(xcb_window_t window, std::string_view name) {
+        return text(askProperty(window, name));
+    }
+
+    // Adds to the event mask that this connection has on the root window.
+    void selectOnRoot(std::uint32_t mask);
+
+    // An event goes to the handlers in the order in which these were added, until one has handled it for good. Errors
+    // of requests that nobody waits for are dropped: what they were about has gone meanwhile.
+    enum class Handled { no, yes };
+    using EventHandler = std::function<Handled(const xcb_generic_event_t&)>;
+    [[nodiscard]] Subscription onEvent(EventHandler handler);
+
+    // Hands events out whenever the loop finds some. Without it events are dropped.
+    void watch(ReadWatcher& watcher);
+    void flush() { xcb_flush(connection_); }
+    // Waits until the server has processed every request so far.
+    void sync();
+
+private:
+    X11Connection(xcb_connection_t* connection, int screenNumber, const xcb_screen_t* screen);
+    void keepEvents();
+    void handOutEvents();
+    void handOut(const xcb_generic_event_t& event);
+
+    xcb_connection_t* connection_;
+    int screenNumber_;
+    const xcb_screen_t* screen_;
+    std::map<std::string, xcb_atom_t, std::less<>> atoms_;
+    std::map<xcb_atom_t, std::string> atomNames_;
+    std::uint32_t rootMask_ = 0;
+
+    std::shared_ptr<std::list<EventHandler>> handlers_ = std::make_shared<std::list<EventHandler>>();
+    std::deque<Reply<xcb_generic_event_t>> kept_;
+    int wakeUp_ = -1;  // an eventfd: readable while events are kept
+    Subscription watching_, watchingWakeUp_;
+};
+
+}  // namespace tarvix

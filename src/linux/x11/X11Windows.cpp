@@ -1,0 +1,236 @@
+#include "linux/x11/X11Windows.h"
+
+#include <xcb/res.h>
+#include <xcb/xcb.h>
+
+#include <algorithm>
+#include <map>
+#include <mutex>
+#include <string_view>
+#include <utility>
+
+#include "linux/x11/X11Connection.h"
+#include "linux/x11/X11WindowTree.h"
+
+namespace tarvix {
+
+namespace {
+
+constexpr std::uint32_t kIconicState = 3;  // of WM_STATE
+constexpr std::string_view kTypePrefix = "_NET_WM_WINDOW_TYPE_";
+
+// The requests about one window, all on their way before the first reply is read.
+struct Asked {
+    xcb_window_t number;
+    xcb_get_window_attributes_cookie_t attributes;
+    xcb_get_geometry_cookie_t geometry;
+    xcb_translate_coordinates_cookie_t origin;
+    xcb_get_property_cookie_t netName, name, windowClass, gtkExtents, extents, type, state, wmState, pid;
+    xcb_res_query_client_ids_cookie_t clientIds;
+};
+
+struct Seen {
+    X11Window window;
+    bool isViewable = false;
+    bool isInputOnly = false;
+};
+
+std::optional<X11Window::Extents> extentsOf(const std::vector<std::uint32_t>& items) {
+    if (items.size() < 4) return std::nullopt;
+    const auto at = [&](std::size_t i) { return static_cast<double>(items[i]); };
+    return X11Window::Extents{at(0), at(1), at(2), at(3)};
+}
+
+class Reader final : public X11Windows {
+public:
+    explicit Reader(std::unique_ptr<X11Connection> connection) : x_(std::move(connection)) {
+        x_->intern({"_NET_ACTIVE_WINDOW", "_NET_CLIENT_LIST_STACKING", "_NET_CLIENT_LIST", "_NET_SUPPORTING_WM_CHECK",
+                    "_NET_WM_NAME", "WM_NAME", "WM_CLASS", "_GTK_FRAME_EXTENTS", "_NET_FRAME_EXTENTS",
+                    "_NET_WM_WINDOW_TYPE", "_NET_WM_STATE", "WM_STATE", "_NET_WM_PID", "_NET_WM_STATE_FULLSCREEN",
+                    "_NET_WM_STATE_HIDDEN"});
+        if (!x_->extension(xcb_res_id)) return;
+        const auto version = x_->reply<xcb_res_query_version_reply>(xcb_res_query_version(x_->get(), 1, 2));
+        hasClientIds_ = version && version->server_major * 100 + version->server_minor >= 102;
+    }
+
+    std::optional<X11Window> active() override {
+        const std::lock_guard lock(mutex_);
+        if (!hasWindowManager(*x_)) return activeByFocus();
+        const auto active = x_->items(x_->root(), "_NET_ACTIVE_WINDOW");
+        if (active.empty() || active.front() == XCB_WINDOW_NONE) return std::nullopt;
+        return readOne(active.front());
+    }
+
+    std::optional<X11Window> window(std::uint32_t number) override {
+        const std::lock_guard lock(mutex_);
+        return readOne(number);
+    }
+
+    std::vector<X11Window> onScreen() override {
+        const std::lock_guard lock(mutex_);
+        return frontToBack();
+    }
+
+private:
+    Asked ask(xcb_window_t number) {
+        xcb_connection_t* c = x_->get();
+        const xcb_res_client_id_spec_t whose{number, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
+        return {number,
+                xcb_get_window_attributes(c, number),
+                xcb_get_geometry(c, number),
+                xcb_translate_coordinates(c, number, x_->root(), 0, 0),
+                x_->askProperty(number, "_NET_WM_NAME"),
+                x_->askProperty(number, "WM_NAME"),
+                x_->askProperty(number, "WM_CLASS"),
+                x_->askProperty(number, "_GTK_FRAME_EXTENTS"),
+                x_->askProperty(number, "_NET_FRAME_EXTENTS"),
+                x_->askProperty(number, "_NET_WM_WINDOW_TYPE"),
+                x_->askProperty(number, "_NET_WM_STATE"),
+                x_->askProperty(number, "WM_STATE"),
+                x_->askProperty(number, "_NET_WM_PID"),
+                hasClientIds_ ? xcb_res_query_client_ids(c, 1, &whose) : xcb_res_query_client_ids_cookie_t{0}};
+    }
+
+    // Every reply is taken, also those about a window that has gone.
+    std::optional<Seen> take(const Asked& asked) {
+        const auto attributes = x_->reply<xcb_get_window_attributes_reply>(asked.attributes);
+        const auto geometry = x_->reply<xcb_get_geometry_reply>(asked.geometry);
+        const auto origin = x_->reply<xcb_translate_coordinates_reply>(asked.origin);
+        Seen seen;
+        X11Window& w = seen.window;
+        w.number = asked.number;
+        const auto netName = x_->text(asked.netName);
+        const auto name = x_->text(asked.name);
+        w.title = netName ? *netName : name.value_or("");
+        takeClass(x_->text(asked.windowClass).value_or(""), w);
+        w.gtkFrameExtents = extentsOf(x_->items(asked.gtkExtents));
+        w.frameExtents = extentsOf(x_->items(asked.extents));
+        for (const xcb_atom_t type : x_->items(asked.type)) w.types.push_back(typeName(type));
+        takeState(x_->items(asked.state), x_->items(asked.wmState), w);
+        w.pid = takePid(asked);
+        if (!attributes || !geometry || !origin) return std::nullopt;
+        w.client = {{static_cast<double>(origin->dst_x), static_cast<double>(origin->dst_y)},
+                    {static_cast<double>(geometry->width), static_cast<double>(geometry->height)}};
+        w.isOverrideRedirect = attributes->override_redirect != 0;
+        seen.isViewable = attributes->map_state == XCB_MAP_STATE_VIEWABLE;
+        seen.isInputOnly = attributes->_class == XCB_WINDOW_CLASS_INPUT_ONLY;
+        return seen;
+    }
+
+    static void takeClass(const std::string& property, X11Window& w) {
+        const std::size_t end = property.find('\0');
+        w.windowInstance = property.substr(0, end);
+        if (end == std::string::npos) return;
+        const std::string rest = property.substr(end + 1);
+        w.windowClass = rest.substr(0, rest.find('\0'));
+    }
+
+    std::string typeName(xcb_atom_t type) {
+        const std::string& name = x_->atomName(type);
+        return name.starts_with(kTypePrefix) ? name.substr(kTypePrefix.size()) : name;
+    }
+
+    void takeState(const std::vector<std::uint32_t>& state, const std::vector<std::uint32_t>& wmState, X11Window& w) {
+        const auto holds = [&](std::string_view name) { return std::ranges::count(state, x_->atom(name)) > 0; };
+        w.isFullScreen = holds("_NET_WM_STATE_FULLSCREEN");
+        w.isMinimized = holds("_NET_WM_STATE_HIDDEN") || (!wmState.empty() && wmState.front() == kIconicState);
+    }
+
+    std::int32_t takePid(const Asked& asked) {
+        const auto claimed = x_->items(asked.pid);
+        if (hasClientIds_)
+            if (const auto ids = x_->reply<xcb_res_query_client_ids_reply>(asked.clientIds))
+                for (auto id = xcb_res_query_client_ids_ids_iterator(ids.get()); id.rem > 0;
+                     xcb_res_client_id_value_next(&id))
+                    if ((id.data->spec.mask & XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID) != 0 && id.data->length >= 4)
+                        return static_cast<std::int32_t>(*xcb_res_client_id_value_value(id.data));
+        return claimed.empty() ? -1 : static_cast<std::int32_t>(claimed.front());
+    }
+
+    std::optional<X11Window> readOne(xcb_window_t number) {
+        auto seen = take(ask(number));
+        if (!seen) return std::nullopt;
+        return std::move(seen->window);
+    }
+
+    std::vector<std::optional<Seen>> readAll(const std::vector<xcb_window_t>& numbers) {
+        std::vector<Asked> asked;
+        asked.reserve(numbers.size());
+        for (const xcb_window_t number : numbers) asked.push_back(ask(number));
+        std::vector<std::optional<Seen>> seen;
+        seen.reserve(numbers.size());
+        for (const Asked& one : asked) seen.push_back(take(one));
+        return seen;
+    }
+
+    std::vector<xcb_window_t> clientWindows() {
+        auto clients = x_->items(x_->root(), "_NET_CLIENT_LIST_STACKING");
+        return clients.empty() ? x_->items(x_->root(), "_NET_CLIENT_LIST") : clients;
+    }
+
+    // The server makes windows of its own, such as the overlay of a compositor; they show nothing of an application.
+    bool isServers(xcb_window_t number) const { return (number & ~xcb_get_setup(x_->get())->resource_id_mask) == 0; }
+
+    bool touchesRoot(const X11Window& w) const {
+        const AxRect root{{0, 0}, {double(x_->screen().width_in_pixels), double(x_->screen().height_in_pixels)}};
+        return intersects(w.client, root);
+    }
+
+    std::vector<X11Window> frontToBack() {
+        const auto clients = hasWindowManager(*x_) ? clientWindows() : std::vector<xcb_window_t>{};
+        const auto frames = childrenOfRoot(*x_, clients);
+        std::multimap<xcb_window_t, xcb_window_t> clientsOf;
+        for (std::size_t i = 0; i < clients.size(); ++i) clientsOf.emplace(frames[i], clients[i]);
+
+        auto stack = rootStack(*x_);
+        std::ranges::reverse(stack);
+        std::vector<xcb_window_t> candidates;
+        for (const xcb_window_t child : stack) {
+            const auto [first, last] = clientsOf.equal_range(child);
+            if (first == last && !isServers(child)) candidates.push_back(child);
+            for (auto client = first; client != last; ++client) candidates.push_back(client->second);
+        }
+
+        std::vector<X11Window> result;
+        for (auto& seen : readAll(candidates))
+            if (seen && seen->isViewable && !seen->isInputOnly && touchesRoot(seen->window))
+                result.push_back(std::move(seen->window));
+        return result;
+    }
+
+    // Without a window manager's word.
+    std::optional<X11Window> activeByFocus() {
+        const auto focus = x_->reply<xcb_get_input_focus_reply>(xcb_get_input_focus(x_->get()));
+        if (!focus || focus->focus == XCB_INPUT_FOCUS_NONE) return std::nullopt;
+        if (focus->focus == XCB_INPUT_FOCUS_POINTER_ROOT || focus->focus == x_->root()) return underPointer();
+        const xcb_window_t top = childrenOfRoot(*x_, {focus->focus}).front();
+        return top == XCB_WINDOW_NONE ? std::nullopt : readOne(top);
+    }
+
+    // Popups don't count: panels of ours are such, and a menu belongs to a window below it.
+    std::optional<X11Window> underPointer() {
+        const auto pointer = x_->reply<xcb_query_pointer_reply>(xcb_query_pointer(x_->get(), x_->root()));
+        if (!pointer) return std::nullopt;
+        const double x = pointer->root_x, y = pointer->root_y;
+        for (X11Window& w : frontToBack()) {
+            const bool holdsIt =
+                x >= w.client.minX() && x < w.client.maxX() && y >= w.client.minY() && y < w.client.maxY();
+            if (holdsIt && !w.isOverrideRedirect) return std::move(w);
+        }
+        return std::nullopt;
+    }
+
+    std::mutex mutex_;
+    std::unique_ptr<X11Connection> x_;
+    bool hasClientIds_ = false;
+};
+
+}  // namespace
+
+Outcome<std::unique_ptr<X11Windows>> X11Windows::open() {
+    auto connection = X11Connection::open();
+    if (!connection) return Fault{connection.reason()};
+    return std::unique_ptr<X11Windows>(std::make_unique<Reader>(std::move(connection.value())));
+}
+
+}  // namespace tarvix
