@@ -1,0 +1,30 @@
+// The text field of The Input.
+#pragma once
+
+#include <QLineEdit>
+#include <functional>
+
+namespace tarvix {
+
+// A plain line edit without frame and background. Return does nothing in it; the command key (Super) does what it does
+// on a text field and never types.
+class InputField : public QLineEdit {
+public:
+    explicit InputField(QWidget* parent);
+
+    // What the field shows: its text with what an input method is composing at the caret.
+    QString shownText() const;
+
+    std::function<void()> onEdited;     // the user changed the text; not by setText()
+    std::function<void()> onComposing;  // shownText() may have changed while the text hasn't
+    std::function<void()> onCancel;     // the cancel key
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    void inputMethodEvent(QInputMethodEvent* event) override;
+
+private:
+    QString composing_;
+};
+
+}  // namespace tarvix

@@ -1,0 +1,30 @@
+// From markers as values to painted pixels.
+#pragma once
+
+#include <QPainter>
+#include <QRectF>
+#include <QRegion>
+#include <vector>
+
+#include "platform/Panels.h"
+
+namespace tarvix {
+
+// Paints one marker over `bounds`, its frame in the painter's coordinates. An edge on a pixel boundary is exact to the
+// pixel; one between two boundaries covers the pixel in part.
+void paintMarker(QPainter& painter, const MarkerDrawing& marker, const QRectF& bounds);
+
+// The pixels that a marker covers at all, for a window that cannot be translucent.
+QRegion markerOutline(const MarkerDrawing& marker, const QRectF& bounds);
+
+// Which markers are in one list and not in the other, as indices into each: what must be painted anew to come from
+// `shown` to `next`. Markers that changed their order among each other count as different.
+struct MarkerChanges {
+    std::vector<std::size_t> gone;  // indices into shown
+    std::vector<std::size_t> come;  // indices into next
+};
+MarkerChanges markerChanges(const std::vector<MarkerDrawing>& shown, const std::vector<MarkerDrawing>& next);
+
+QColor toQColor(Color color);
+
+}  // namespace tarvix

@@ -1,0 +1,187 @@
+#include "qt/QtCanvasPanel.h"
+
+#include <QPaintEvent>
+#include <QPainter>
+#include <QWidget>
+#include <QWindow>
+
+#include "qt/MarkerPainting.h"
+#include "qt/ServerSync.h"
+
+namespace tarvix {
+
+namespace {
+
+// Beyond this many rectangles their bounding one is repainted: the region's own book-keeping would cost more.
+constexpr std::size_t kMostRects = 400;
+
+// Outside of every window: an empty mask would mean no mask at all.
+const QRect kNowhere(-2, -2, 1, 1);
+
+class CanvasWindow : public QWidget {
+public:
+    explicit CanvasWindow(Milestones& milestones)
+        : QWidget(nullptr, Qt::X11BypassWindowManagerHint | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint |
+                               Qt::Tool | Qt::WindowTransparentForInput | Qt::WindowDoesNotAcceptFocus),
+          milestones_(milestones) {
+        setObjectName("Canvas");
+        setAttribute(Qt::WA_TranslucentBackground);
+        setAttribute(Qt::WA_ShowWithoutActivating);
+        setAttribute(Qt::WA_TransparentForMouseEvents);
+        winId();  // the native window now, not at the first search
+        windowHandle()->installEventFilter(this);
+    }
+
+    void setTranslucent(bool translucent) {
+        if (translucent_ == translucent) return;
+        translucent_ = translucent;
+        if (translucent_) clearMask();
+        if (!translucent_) setMask(outlines());
+        update();
+    }
+    bool isTranslucent() const { return translucent_; }
+
+    // `corner` is the canvas's bottom left corner in this window's coordinates.
+    void setCorner(QPointF corner) {
+        if (corner_ == corner) return;
+        corner_ = corner;
+        update();
+    }
+
+    void showMarkers(std::vector<MarkerDrawing> next) {
+        const QRegion changed = changedRegion(next);
+        markers_ = std::move(next);
+        unreported_ = true;
+        if (!translucent_) setMask(outlines());
+        if (isVisible() && !changed.isEmpty()) repaint(changed);
+        if (isOnScreen()) report();
+    }
+
+protected:
+    void paintEvent(QPaintEvent* event) override {
+        QPainter painter(this);
+        for (const MarkerDrawing& marker : markers_) {
+            const QRectF bounds = boundsOf(marker);
+            if (!event->region().intersects(bounds.toAlignedRect())) continue;
+            if (translucent_) {
+                paintMarker(painter, marker, bounds);
+            } else {
+                MarkerDrawing opaque = marker;
+                opaque.alpha = 1;
+                paintMarker(painter, opaque, bounds);
+            }
+        }
+    }
+
+    // The first painting after mapping reaches the screen with the exposure.
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::Expose && unreported_)
+            QMetaObject::invokeMethod(
+                this,
+                [this] {
+                    if (unreported_ && isOnScreen()) report();
+                },
+                Qt::QueuedConnection);
+        return QWidget::eventFilter(watched, event);
+    }
+
+private:
+    bool isOnScreen() const { return isVisible() && windowHandle()->isExposed(); }
+
+    void report() {
+        unreported_ = false;
+        flushToServer();
+        milestones_.reached(milestone::markersDrawn, markers_.size());
+    }
+
+    QRectF boundsOf(const MarkerDrawing& marker) const {
+        return {corner_.x() + marker.frame.minX(), corner_.y() - marker.frame.maxY(), marker.frame.width(),
+                marker.frame.height()};
+    }
+
+    QRegion changedRegion(const std::vector<MarkerDrawing>& next) const {
+        const MarkerChanges changes = markerChanges(markers_, next);
+        std::vector<QRect> rects;
+        for (const std::size_t i : changes.gone) rects.push_back(boundsOf(markers_[i]).toAlignedRect());
+        for (const std::size_t i : changes.come) rects.push_back(boundsOf(next[i]).toAlignedRect());
+        if (rects.size() > kMostRects) {
+            QRect all;
+            for (const QRect& rect : rects) all |= rect;
+            return all;
+        }
+        QRegion region;
+        for (const QRect& rect : rects) region += rect;
+        return region;
+    }
+
+    QRegion outlines() const {
+        QRegion region(kNowhere);
+        for (const MarkerDrawing& marker : markers_) region += markerOutline(marker, boundsOf(marker));
+        return region;
+    }
+
+    Milestones& milestones_;
+    std::vector<MarkerDrawing> markers_;  // as painted
+    QPointF corner_;
+    bool translucent_ = true;
+    bool unreported_ = false;
+};
+
+class QtCanvasPanel : public CanvasPanel {
+public:
+    explicit QtCanvasPanel(const PanelServices& services) : services_(services), window_(services.milestones) {}
+
+    void setFrame(PanelRect frame) override {
+        frame_ = frame;
+        const AxRect place = flip(frame, firstScreenHeight(services_.screens));
+        const QRect pixels = pixelsOf(place);
+        window_.setGeometry(pixels);
+        window_.setCorner({place.minX() - pixels.x(), place.maxY() - pixels.y()});
+    }
+
+    PanelRect frame() const override { return frame_; }
+
+    void orderFrontRegardless() override {
+        window_.setTranslucent(services_.windowing.isComposited());
+        if (!window_.isVisible()) {
+            if (content_) window_.showMarkers(content_());
+            window_.show();
+            syncWithServer();
+        }
+        services_.windowing.stackOnTop(static_cast<std::uint32_t>(window_.winId()));
+    }
+
+    void orderOut() override {
+        window_.hide();
+        syncWithServer();
+    }
+
+    void setNeedsDisplay() override {
+        if (needsDisplay_) return;
+        needsDisplay_ = true;
+        QMetaObject::invokeMethod(
+            &window_, [this] { display(); }, Qt::QueuedConnection);
+    }
+
+    void setContent(std::function<std::vector<MarkerDrawing>()> content) override { content_ = std::move(content); }
+
+private:
+    void display() {
+        needsDisplay_ = false;
+        if (content_) window_.showMarkers(content_());
+    }
+
+    PanelServices services_;
+    std::function<std::vector<MarkerDrawing>()> content_;
+    PanelRect frame_;
+    bool needsDisplay_ = false;
+    CanvasWindow window_;
+};
+
+}  // namespace
+
+std::unique_ptr<CanvasPanel> makeQtCanvasPanel(const PanelServices& services) {
+    return std::make_unique<QtCanvasPanel>(services);
+}
+
+}  // namespace tarvix

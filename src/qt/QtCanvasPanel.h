@@ -1,0 +1,15 @@
+// The canvas: one click-through window that paints every marker.
+#pragma once
+
+#include <memory>
+
+#include "qt/PanelServices.h"
+
+namespace tarvix {
+
+// Main thread. The services outlive the panel. Without a compositor the window has the shape of the markers, so that it
+// covers nothing else, and they are painted opaque; a compositor that comes or goes counts from the next ordering to
+// the front on.
+std::unique_ptr<CanvasPanel> makeQtCanvasPanel(const PanelServices& services);
+
+}  // namespace tarvix

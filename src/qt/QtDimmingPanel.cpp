@@ -1,0 +1,100 @@
+#include "qt/QtDimmingPanel.h"
+
+#include <QPaintEvent>
+#include <QPainter>
+#include <QVariantAnimation>
+#include <QWidget>
+#include <algorithm>
+
+#include "qt/ServerSync.h"
+
+namespace tarvix {
+
+namespace {
+
+constexpr int kFadeMilliseconds = 200;
+
+class HazeWindow : public QWidget {
+public:
+    HazeWindow()
+        : QWidget(nullptr, Qt::X11BypassWindowManagerHint | Qt::FramelessWindowHint | Qt::Tool |
+                               Qt::WindowTransparentForInput | Qt::WindowDoesNotAcceptFocus) {
+        setObjectName("HazeOverWindow");
+        setAttribute(Qt::WA_ShowWithoutActivating);
+        setAttribute(Qt::WA_TransparentForMouseEvents);
+        setAttribute(Qt::WA_OpaquePaintEvent);
+        winId();
+    }
+
+protected:
+    void paintEvent(QPaintEvent* event) override { QPainter(this).fillRect(event->rect(), Qt::black); }
+};
+
+class QtDimmingPanel : public DimmingPanel {
+public:
+    explicit QtDimmingPanel(const PanelServices& services) : services_(services) {
+        fade_.setDuration(kFadeMilliseconds);
+        QObject::connect(&fade_, &QVariantAnimation::valueChanged, &window_,
+                         [this](const QVariant& alpha) { apply(alpha.toDouble()); });
+    }
+
+    void setFrame(PanelRect frame) override {
+        window_.setGeometry(pixelsOf(flip(frame, firstScreenHeight(services_.screens))));
+    }
+
+    // The place among the windows is what orderFront() and orderBelow() make it; X11 has no levels beside that.
+    void setLevel(int) override {}
+
+    void setAlpha(double alpha) override {
+        fade_.stop();
+        apply(alpha);
+    }
+
+    void animateAlpha(double alpha) override {
+        fade_.stop();
+        fade_.setStartValue(alpha_);
+        fade_.setEndValue(alpha);
+        fade_.start();
+    }
+
+    void orderFront() override {
+        services_.windowing.stackOnTop(number());
+        orderIn();
+    }
+
+    void orderBelow(std::uint32_t windowNumber) override {
+        services_.windowing.stackBelow(number(), windowNumber);
+        orderIn();
+    }
+
+private:
+    std::uint32_t number() const { return static_cast<std::uint32_t>(window_.winId()); }
+
+    void orderIn() {
+        orderedIn_ = true;
+        apply(alpha_);
+    }
+
+    void apply(double alpha) {
+        alpha_ = std::clamp(alpha, 0.0, 1.0);
+        window_.setWindowOpacity(alpha_);
+        const bool mapped = orderedIn_ && alpha_ > 0 && services_.windowing.isComposited();
+        if (mapped == window_.isVisible()) return;
+        window_.setVisible(mapped);
+        flushToServer();
+    }
+
+    PanelServices services_;
+    double alpha_ = 1;
+    bool orderedIn_ = false;
+    HazeWindow window_;
+    QVariantAnimation fade_;
+};
+
+}  // namespace
+
+std::unique_ptr<DimmingPanel> makeQtDimmingPanel(const PanelServices& services) {
+    return std::make_unique<QtDimmingPanel>(services);
+}
+
+}  // namespace tarvix

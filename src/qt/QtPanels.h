@@ -1,0 +1,24 @@
+// The panels as Qt windows.
+#pragma once
+
+#include "qt/PanelServices.h"
+#include "qt/QtSystemColors.h"
+
+namespace tarvix {
+
+// Main thread. The services outlive the panels made here.
+class QtPanels : public Panels {
+public:
+    explicit QtPanels(const PanelServices& services) : services_(services) {}
+
+    std::unique_ptr<InputPanel> makeInputPanel() override;
+    std::unique_ptr<CanvasPanel> makeCanvasPanel() override;
+    std::unique_ptr<DimmingPanel> makeDimmingPanel() override;
+    SystemColors& colors() override { return colors_; }
+
+private:
+    PanelServices services_;
+    QtSystemColors colors_;
+};
+
+}  // namespace tarvix
