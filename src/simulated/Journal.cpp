@@ -1,0 +1,13 @@
+#include "simulated/Journal.h"
+
+#include <sstream>
+
+namespace tarvix {
+
+std::string numeral(double number) {
+    std::ostringstream text;
+    text << number;
+    return text.str();
+}
+
+}  // namespace tarvix
