@@ -1,0 +1,287 @@
+#include "linux/atspi/AtspiService.h"
+
+#include <algorithm>
+
+#include "linux/atspi/AtspiElement.h"
+#include "linux/atspi/Replies.h"
+#include "linux/atspi/TreeReads.h"
+
+namespace tarvix {
+
+using namespace atspi;
+
+namespace {
+
+constexpr Milliseconds kSingleRead{150};  // of one object outside a walk; the keyboard may be ours meanwhile
+constexpr Milliseconds kAtPoint{300};
+constexpr int kDeepest = 64;
+
+// The reads below a window that can't be read.
+class NoReads : public AccessibilityReads {
+public:
+    AxResult<AxValue> attribute(const UIElement&, std::string_view) override { return {AxStatus::cannotComplete, {}}; }
+    AxResult<std::vector<AxValue>> attributes(const UIElement&, std::span<const std::string_view>) override {
+        return {AxStatus::cannotComplete, {}};
+    }
+};
+
+std::shared_ptr<AtspiElement> identity(AtspiElement::Kind kind, std::int32_t pid = -1, std::uint32_t window = 0) {
+    auto made = std::make_shared<AtspiElement>();
+    made->kind = kind;
+    made->pid = pid;
+    made->window = window;
+    return made;
+}
+
+// The innermost object at a point below an object, asked level by level, since some toolkits answer with the next level
+// only and some with the innermost at once.
+std::optional<Reference> descendTo(Lease& lease, const FrameFound& frame, const Placement& placement, AxPoint point,
+                                   Clock::time_point deadline) {
+    Reference at = frame.reference;
+    for (int depth = 0; depth < kDeepest; ++depth) {
+        Pipeline pipeline(lease.bus(), deadline);
+        std::optional<Reference> next;
+        Call call;
+        if (!lease.direct()) call.destination = at.bus;
+        call.path = at.path;
+        call.interface = "org.a11y.atspi.Component";
+        call.member = "GetAccessibleAtPoint";
+        call.signature = "iiu";
+        const RawBox raw = placement.fromRoot(point, false);
+        call.integers[0] = raw.x;
+        call.integers[1] = raw.y;
+        call.integers[2] = static_cast<std::int32_t>(coordinatesOf(frame.application.toolkit));
+        pipeline.send(std::move(call), [&next](sd_bus_message* reply) { next = readReference(reply); });
+        pipeline.run();
+        if (pipeline.timedOut() || pipeline.lost()) {
+            lease.spoil();
+            return std::nullopt;
+        }
+        if (!next || *next == at || (lease.direct() && next->bus != frame.application.bus)) break;
+        at = *next;
+    }
+    if (at == frame.reference) return std::nullopt;
+    return at;
+}
+
+}  // namespace
+
+Outcome<std::unique_ptr<AtspiService>> AtspiService::open(X11Windows& windows) {
+    return std::unique_ptr<AtspiService>(new AtspiService(windows));
+}
+
+UIElement AtspiService::systemWide() { return UIElement(identity(AtspiElement::Kind::systemWide)); }
+
+UIElement AtspiService::application(std::int32_t pid) {
+    return UIElement(identity(AtspiElement::Kind::application, pid));
+}
+
+UIElement AtspiService::windowElement(const X11Window& window) const {
+    return UIElement(identity(AtspiElement::Kind::window, window.pid, window.number));
+}
+
+// The active window, if it is this process's; else its frontmost one.
+std::optional<X11Window> AtspiService::windowOf(std::int32_t pid) {
+    if (auto active = windows_.active(); active && active->pid == pid) return active;
+    for (X11Window& window : windows_.onScreen())
+        if (window.pid == pid && !window.isOverrideRedirect) return std::move(window);
+    return std::nullopt;
+}
+
+AxResult<AxValue> AtspiService::systemAttribute(std::string_view name) {
+    const std::optional<X11Window> active = windows_.active();
+    if (name == ax::focusedApplication) {
+        // Where no window is active, the desktop itself has the focus; it is process 0 here.
+        return {AxStatus::success, application(active ? active->pid : 0)};
+    }
+    if (name != ax::focusedUIElement) return {AxStatus::attributeUnsupported, {}};
+    if (!active) return {AxStatus::noValue, {}};
+    FetchOptions options;
+    options.limit = kSingleRead;
+    std::optional<WindowTree> tree = fetchWindow(applications_, *active, options);
+    if (!tree) return {AxStatus::cannotComplete, {}};
+    const TreeReads reads(std::move(*tree), *active);
+    // The deepest one wins: containers of the focused object may call themselves focused too.
+    for (std::size_t i = reads.nodes().size(); i-- > 1;)
+        if (reads.nodes()[i].shows && !reads.nodes()[i].synthetic && reads.nodes()[i].has(State::focused))
+            return {AxStatus::success, reads.elementOf(static_cast<int>(i))};
+    return {AxStatus::noValue, {}};
+}
+
+AxResult<AxValue> AtspiService::applicationAttribute(std::int32_t pid, std::string_view name) {
+    if (name != ax::focusedWindow && name != ax::mainWindow) return {AxStatus::attributeUnsupported, {}};
+    const std::optional<X11Window> window = windowOf(pid);
+    if (!window) return {AxStatus::noValue, {}};
+    return {AxStatus::success, windowElement(*window)};
+}
+
+AxResult<AxValue> AtspiService::attribute(const UIElement& element, std::string_view name) {
+    const AtspiElement& of = identityOf(element);
+    switch (of.kind) {
+        case AtspiElement::Kind::systemWide:
+            return systemAttribute(name);
+        case AtspiElement::Kind::application:
+            return applicationAttribute(of.pid, name);
+        case AtspiElement::Kind::window: {
+            const std::optional<X11Window> window = windows_.window(of.window);
+            if (!window) return {AxStatus::invalidElement, {}};
+            if (std::optional<AxValue> known = windowAttribute(*window, name))
+                return {AxStatus::success, std::move(*known)};
+            break;
+        }
+        case AtspiElement::Kind::object:
+            break;
+    }
+    const std::string_view names[] = {name};
+    AxResult<std::vector<AxValue>> values = attributes(element, names);
+    if (!values.ok()) return {values.status, {}};
+    return {AxStatus::success, std::move(values.value.front())};
+}
+
+// A single object is read with its window: that is one short fetch, and the object's box can be placed by nothing less.
+AxResult<std::vector<AxValue>> AtspiService::attributes(const UIElement& element,
+                                                        std::span<const std::string_view> names) {
+    const AtspiElement& of = identityOf(element);
+    if (of.kind == AtspiElement::Kind::systemWide || of.kind == AtspiElement::Kind::application) {
+        AxResult<std::vector<AxValue>> result{AxStatus::success, {}};
+        for (const std::string_view name : names) result.value.push_back(attribute(element, name).value);
+        return result;
+    }
+    const std::optional<X11Window> window = windows_.window(of.window);
+    if (!window) return {AxStatus::invalidElement, {}};
+    FetchOptions options;
+    options.limit = kSingleRead;
+    std::optional<WindowTree> tree = fetchWindow(applications_, *window, options);
+    if (!tree) return {AxStatus::cannotComplete, {}};
+    TreeReads reads(std::move(*tree), *window);
+    if (of.kind == AtspiElement::Kind::window) return reads.attributes(element, names);
+    for (std::size_t i = 1; i < reads.nodes().size(); ++i) {
+        const Node& node = reads.nodes()[i];
+        if (node.reference == of.reference && node.synthetic == of.synthetic)
+            return reads.attributes(reads.elementOf(static_cast<int>(i)), names);
+    }
+    return {AxStatus::invalidElement, {}};
+}
+
+std::unique_ptr<AccessibilityReads> AtspiService::readAhead(const UIElement& root) {
+    return readAhead(root, {}, nullptr);
+}
+
+std::unique_ptr<AccessibilityReads> AtspiService::readAhead(const UIElement& root, const FetchOptions& options,
+                                                            WindowTree* fetched) {
+    const std::optional<X11Window> window = windows_.window(identityOf(root).window);
+    if (!window) return std::make_unique<NoReads>();
+    std::optional<WindowTree> tree = fetchWindow(applications_, *window, options);
+    if (!tree) return std::make_unique<NoReads>();
+    if (fetched) *fetched = *tree;
+    return std::make_unique<TreeReads>(std::move(*tree), *window);
+}
+
+AxResult<AxValue> AtspiService::parameterizedAttribute(const UIElement& element, std::string_view name,
+                                                       const AxValue& argument) {
+    const auto* range = std::get_if<TextRange>(&argument);
+    const AtspiElement& of = identityOf(element);
+    if (name != ax::boundsForRange || !range || of.kind != AtspiElement::Kind::object)
+        return {AxStatus::attributeUnsupported, {}};
+    const std::optional<X11Window> window = windows_.window(of.window);
+    if (!window) return {AxStatus::invalidElement, {}};
+    const Clock::time_point deadline = Clock::now() + kSingleRead;
+    const std::optional<FrameFound> frame = findFrame(applications_, *window, deadline);
+    std::optional<Lease> lease = frame ? applications_.connect(frame->application, deadline) : std::nullopt;
+    if (!lease) return {AxStatus::cannotComplete, {}};
+    Pipeline pipeline(lease->bus(), deadline);
+    Call call;
+    if (!lease->direct()) call.destination = of.reference.bus;
+    call.path = of.reference.path;
+    call.interface = "org.a11y.atspi.Text";
+    call.member = "GetRangeExtents";
+    call.signature = "iiu";
+    call.integers[0] = static_cast<std::int32_t>(range->location);
+    call.integers[1] = static_cast<std::int32_t>(range->location + range->length);
+    call.integers[2] = static_cast<std::int32_t>(coordinatesOf(frame->application.toolkit));
+    std::optional<RawBox> box;
+    pipeline.send(std::move(call), [&box](sd_bus_message* reply) {
+        RawBox read;
+        if (reply && sd_bus_message_read(reply, "iiii", &read.x, &read.y, &read.width, &read.height) > 0) box = read;
+    });
+    pipeline.run();
+    if (pipeline.timedOut() || pipeline.lost()) lease->spoil();
+    if (!box || !isSane(*box)) return {AxStatus::noValue, {}};
+    return {AxStatus::success, place(frame->application.toolkit, *window, frame->box).toRoot(*box, false)};
+}
+
+AxResult<std::optional<UIElement>> AtspiService::elementAt(AxPoint point) {
+    const std::vector<X11Window> windows = windows_.onScreen();
+    const auto hit = std::find_if(windows.begin(), windows.end(), [&](const X11Window& w) {
+        return !w.isOverrideRedirect && intersects(w.visible(), AxRect{point, {0, 0}});
+    });
+    if (hit == windows.end()) return {AxStatus::noValue, std::nullopt};
+    const Clock::time_point deadline = Clock::now() + kAtPoint;
+    const std::optional<FrameFound> frame = findFrame(applications_, *hit, deadline);
+    std::optional<Lease> lease = frame ? applications_.connect(frame->application, deadline) : std::nullopt;
+    if (!lease) return {AxStatus::cannotComplete, std::nullopt};
+    const Placement placement = place(frame->application.toolkit, *hit, frame->box);
+    const std::optional<Reference> found = descendTo(*lease, *frame, placement, point, deadline);
+    if (!found) return {AxStatus::noValue, std::nullopt};
+    auto made = identity(AtspiElement::Kind::object, hit->pid, hit->number);
+    made->reference = *found;
+    return {AxStatus::success, UIElement(std::move(made))};
+}
+
+AxStatus AtspiService::perform(const UIElement& element, std::string_view action) {
+    const AtspiElement& of = identityOf(element);
+    if (action != ax::press || of.kind != AtspiElement::Kind::object) return AxStatus::actionUnsupported;
+    std::optional<Lease> lease = applications_.connectOverBus();
+    if (!lease) return AxStatus::apiDisabled;
+    Pipeline pipeline(lease->bus(), Clock::now() + kAtPoint);
+    Call call;
+    call.destination = of.reference.bus;
+    call.path = of.reference.path;
+    call.interface = "org.a11y.atspi.Action";
+    call.member = "DoAction";
+    call.signature = "i";
+    AxStatus status = AxStatus::cannotComplete;
+    pipeline.send(std::move(call), [&status](sd_bus_message* reply) {
+        int done = 0;
+        const bool answered = reply && sd_bus_message_read(reply, "b", &done) > 0;
+        status = !answered ? AxStatus::actionUnsupported : done != 0 ? AxStatus::success : AxStatus::failure;
+    });
+    pipeline.run();
+    if (pipeline.timedOut() || pipeline.lost()) lease->spoil();
+    return status;
+}
+
+std::optional<std::int32_t> AtspiService::pid(const UIElement& element) {
+    const AtspiElement& of = identityOf(element);
+    return of.pid == -1 ? std::nullopt : std::optional(of.pid);
+}
+
+std::optional<std::uint32_t> AtspiService::windowNumber(const UIElement& window) {
+    const AtspiElement& of = identityOf(window);
+    return of.kind == AtspiElement::Kind::window ? std::optional(of.window) : std::nullopt;
+}
+
+bool AtspiService::isTrusted() {
+    const Bus session = connectToSession();
+    if (!session) return false;
+    int enabled = 0;
+    sd_bus_error error = SD_BUS_ERROR_NULL;
+    const int r = sd_bus_get_property_trivial(session.get(), "org.a11y.Bus", "/org/a11y/bus", "org.a11y.Status",
+                                              "IsEnabled", &error, 'b', &enabled);
+    sd_bus_error_free(&error);
+    return r >= 0 && enabled != 0;
+}
+
+void AtspiService::askForTrust() {
+    const Bus session = connectToSession();
+    if (!session) return;
+    sd_bus_set_property(session.get(), "org.a11y.Bus", "/org/a11y/bus", "org.a11y.Status", "IsEnabled", nullptr, "b",
+                        1);
+}
+
+void AtspiService::wake(std::int32_t pid) {
+    const std::optional<X11Window> window = windowOf(pid);
+    if (window) fetchWindow(applications_, *window, {});
+}
+
+}  // namespace tarvix

@@ -1,0 +1,63 @@
+// The accessibility service of the Linux desktop: AT-SPI 2 over D-Bus, with the X server's word on windows.
+#pragma once
+
+#include <memory>
+#include <optional>
+
+#include "base/Outcome.h"
+#include "linux/atspi/Applications.h"
+#include "linux/atspi/WindowFetch.h"
+#include "linux/x11/X11Windows.h"
+#include "platform/Accessibility.h"
+
+namespace tarvix {
+
+// Windows are X windows here: which one is the application's, where it stands, its title and whether it fills the
+// screen are answered by the X server at once, whatever the application is doing. What is inside a window is the
+// application's to tell: readAhead() fetches it whole, in one go. A read of a single object outside a walk fetches the
+// object's window.
+//
+// Without an accessibility bus all windows are empty; the bus is looked for again at every search.
+class AtspiService : public AccessibilityService {
+public:
+    static Outcome<std::unique_ptr<AtspiService>> open(X11Windows& windows);
+
+    UIElement systemWide() override;
+    UIElement application(std::int32_t pid) override;
+    // Blocks the caller for as long as the application takes to answer, at most 1.5 seconds, or 2 at the first contact
+    // with a browser. What an application that stops in the middle had told by then is what the walk finds.
+    std::unique_ptr<AccessibilityReads> readAhead(const UIElement& root) override;
+    AxResult<AxValue> attribute(const UIElement& element, std::string_view name) override;
+    AxResult<std::vector<AxValue>> attributes(const UIElement& element,
+                                              std::span<const std::string_view> names) override;
+    AxResult<AxValue> parameterizedAttribute(const UIElement& element, std::string_view name,
+                                             const AxValue& argument) override;
+    // At most 0.3 seconds.
+    AxResult<std::optional<UIElement>> elementAt(AxPoint point) override;
+    AxStatus perform(const UIElement& element, std::string_view action) override;
+    std::optional<std::int32_t> pid(const UIElement& element) override;
+    std::optional<std::uint32_t> windowNumber(const UIElement& window) override;
+    bool isTrusted() override;
+    void askForTrust() override;
+
+    // Has an application that makes its tree on demand make it now, so that it is there at the first search. Blocks up
+    // to two seconds; for a background thread, when the application has become active.
+    void wake(std::int32_t pid);
+
+    // The same reading with other options than a search's, for the benchmark.
+    std::unique_ptr<AccessibilityReads> readAhead(const UIElement& root, const atspi::FetchOptions& options,
+                                                  atspi::WindowTree* fetched);
+
+private:
+    explicit AtspiService(X11Windows& windows) : windows_(windows) {}
+
+    AxResult<AxValue> applicationAttribute(std::int32_t pid, std::string_view name);
+    AxResult<AxValue> systemAttribute(std::string_view name);
+    std::optional<X11Window> windowOf(std::int32_t pid);
+    UIElement windowElement(const X11Window& window) const;
+
+    X11Windows& windows_;
+    atspi::Applications applications_;
+};
+
+}  // namespace tarvix

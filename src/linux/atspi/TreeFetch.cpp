@@ -1,0 +1,576 @@
+#include "linux/atspi/TreeFetch.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+#include "linux/atspi/LongList.h"
+#include "linux/atspi/ManagedTable.h"
+#include "linux/atspi/Replies.h"
+#include "linux/atspi/Translation.h"
+
+namespace tarvix::atspi {
+
+namespace {
+
+constexpr const char* kAccessible = "org.a11y.atspi.Accessible";
+constexpr const char* kComponent = "org.a11y.atspi.Component";
+constexpr const char* kProperties = "org.freedesktop.DBus.Properties";
+constexpr const char* kText = "org.a11y.atspi.Text";
+constexpr std::string_view kEmbedded = "\xEF\xBF\xBC";  // U+FFFC stands for a child in a text
+
+constexpr std::size_t kLargeTree = 3'000;
+constexpr std::size_t kLongList = 64;
+constexpr std::size_t kMostNodes = 30'000;  // no screen shows more; a tree that goes on for ever ends here
+
+// A match rule, which the call doesn't look at, and the properties wanted.
+int appendTreeArguments(sd_bus_message* m) {
+    return sd_bus_message_append(m, "(aiia{ss}iaiiasib)as", 2, 0, 0, 1, 0, 1, 4, 0, 0, 0, 0, 1, 0, 1, 0, 3,
+                                 "AccessibleId", "Attributes", "Component.ScreenExtents");
+}
+
+bool isScroller(Role role) {
+    return role == Role::scrollPane || role == Role::viewport || role == Role::documentWeb ||
+           role == Role::documentFrame;
+}
+
+// GTK 4 has no states for what scrolling or a hidden page leaves of its lists; their boxes tell.
+bool isGtk4Clipper(Role role) {
+    return isScroller(role) || role == Role::list || role == Role::treeTable || role == Role::table ||
+           role == Role::listBox;
+}
+
+// A window of its own in the tree of another: its parent's box says nothing of it.
+bool isSurface(Role role) {
+    return role == Role::window || role == Role::dialog || role == Role::popupMenu || role == Role::menu ||
+           role == Role::toolTip || role == Role::frame || role == Role::alert;
+}
+
+bool isEmpty(RawBox box) { return box.width <= 0 || box.height <= 0; }
+
+AxRect intersection(AxRect a, AxRect b) {
+    if (!intersects(a, b)) return AxRect::null();
+    const double x = std::max(a.minX(), b.minX());
+    const double y = std::max(a.minY(), b.minY());
+    return {{x, y}, {std::min(a.maxX(), b.maxX()) - x, std::min(a.maxY(), b.maxY()) - y}};
+}
+
+}  // namespace
+
+const Manner& mannerOf(Toolkit toolkit) {
+    static constexpr Manner gtk3{true, true, true, false, false, false, true, true};
+    // Not what it is made of: the parents that LibreOffice's items name are not those of its tree.
+    static constexpr Manner atk{true, true, true, false, false, false, false, false};
+    static constexpr Manner web{true, false, true, false, true, false, false, false};
+    static constexpr Manner gtk4{true, true, false, false, false, true, true, false};
+    static constexpr Manner careful{false, true, true, true, false, false, false, false};
+    switch (toolkit) {
+        case Toolkit::gtk3:
+            return gtk3;
+        case Toolkit::libreOffice:
+        case Toolkit::clutter:
+            return atk;
+        case Toolkit::chromium:
+        case Toolkit::gecko:
+            return web;
+        case Toolkit::gtk4:
+            return gtk4;
+        case Toolkit::qt:
+        case Toolkit::other:
+            break;
+    }
+    return careful;
+}
+
+TreeFetch::TreeFetch(Pipeline& pipeline, const Application& application, bool direct, const Placement& placement,
+                     AxRect visible, std::map<Role, std::string> roleWords)
+    : pipeline_(pipeline),
+      application_(application),
+      direct_(direct),
+      manner_(mannerOf(application.toolkit)),
+      placement_(placement),
+      visible_(visible),
+      roleWords_(std::move(roleWords)) {}
+
+void TreeFetch::run(const Reference& frame) {
+    if (manner_.hasItems) askSeed(frame);
+    visit(add(frame, -1, visible_, Kind::ordinary));
+    pipeline_.run();
+    if (tree_.empty()) return;
+    if (application_.toolkit == Toolkit::gtk4) dropHiddenPages();
+    if (application_.toolkit == Toolkit::libreOffice) straightenLibreOffice();
+    addTextElements();
+    clipFrames();
+}
+
+void TreeFetch::askSeed(const Reference& frame) {
+    Call items = callTo(frame, "org.a11y.atspi.Cache", "GetItems");
+    items.path = "/org/a11y/atspi/cache";
+    pipeline_.send(std::move(items), [this, frame](sd_bus_message* reply) {
+        seed_ = readItems(reply);
+        // GetTree tells of what is hidden as well; in a large tree that costs more than asking for what shows.
+        if (!manner_.hasTree || seed_.size() > kLargeTree) return;
+        Call tree = callTo(frame, "org.a11y.atspi.Collection", "GetTree");
+        tree.append = appendTreeArguments;
+        pipeline_.send(std::move(tree), [this](sd_bus_message* tree_reply) { addTree(tree_reply, seed_); });
+    });
+    pipeline_.run();
+}
+
+void TreeFetch::takeFromSeed(int index, const SeedItem& item) {
+    const auto i = static_cast<std::size_t>(index);
+    Node& node = tree_[i];
+    node.role = item.role;
+    node.states = item.states;
+    node.interfaces = item.interfaces;
+    node.childCount = item.childCount;
+    node.name = item.name;
+    node.description = item.description;
+    node.identifier = item.identifier;
+    node.attributes = item.attributes;
+    if (item.hasTree) {
+        node.raw = item.box;
+        place(index);
+    }
+    work_[i].seeded = true;
+    if (static_cast<std::int32_t>(item.children.size()) == item.childCount) work_[i].children = item.children;
+}
+
+Call TreeFetch::callTo(const Reference& reference, const char* interface, const char* member) const {
+    Call call;
+    if (!direct_) call.destination = reference.bus;
+    call.path = reference.path;
+    call.interface = interface;
+    call.member = member;
+    return call;
+}
+
+// -1 when the object is not to be visited.
+int TreeFetch::add(const Reference& reference, int parent, AxRect clip, Kind kind) {
+    if (tree_.size() >= kMostNodes) return -1;
+    // An object of another process (a plug) can't be called on the application's own socket.
+    if (direct_ && reference.bus != application_.bus) return -1;
+    if (!met_.insert(reference.bus + reference.path).second) return -1;
+    Node& node = tree_.emplace_back();
+    node.reference = reference;
+    node.parent = parent;
+    if (parent >= 0) {
+        const Node& above = tree_[static_cast<std::size_t>(parent)];
+        node.inWebContent = above.inWebContent || above.role == Role::documentWeb || above.role == Role::documentFrame;
+        node.inTitleBar = above.inTitleBar || above.role == Role::titleBar;
+        node.inMenuBar = above.role == Role::menuBar;
+    }
+    Work& work = work_.emplace_back();
+    work.clip = clip;
+    work.kind = kind;
+    return static_cast<int>(tree_.size()) - 1;
+}
+
+void TreeFetch::ask(int index, const char* interface, const char* member, std::function<void(sd_bus_message*)> answer,
+                    void (TreeFetch::*next)(int)) {
+    const auto i = static_cast<std::size_t>(index);
+    ++work_[i].awaited;
+    pipeline_.send(callTo(tree_[i].reference, interface, member),
+                   [this, index, i, answer = std::move(answer), next](sd_bus_message* reply) {
+                       answer(reply);
+                       if (--work_[i].awaited == 0) (this->*next)(index);
+                   });
+}
+
+void TreeFetch::askProperty(int index, const char* interface, const char* property,
+                            std::function<void(sd_bus_message*)> answer, void (TreeFetch::*next)(int)) {
+    const auto i = static_cast<std::size_t>(index);
+    ++work_[i].awaited;
+    Call call = callTo(tree_[i].reference, kProperties, "Get");
+    call.signature = "ss";
+    call.texts[0] = interface;
+    call.texts[1] = property;
+    pipeline_.send(std::move(call), [this, index, i, answer = std::move(answer), next](sd_bus_message* reply) {
+        answer(reply);
+        if (--work_[i].awaited == 0) (this->*next)(index);
+    });
+}
+
+void TreeFetch::visit(int index) {
+    if (index < 0) return;
+    // While everything else of this step is sent, no step may be finished by an early answer.
+    Work& work = work_[static_cast<std::size_t>(index)];
+    ++work.awaited;
+    const auto seed = seed_.find(tree_[static_cast<std::size_t>(index)].reference.path);
+    if (seed != seed_.end() && seed->second.role != Role::invalid)
+        takeFromSeed(index, seed->second);
+    else
+        askState(index);
+    if (!tree_[static_cast<std::size_t>(index)].raw && asksBoxFirst(index)) askExtents(index);
+    if (--work_[static_cast<std::size_t>(index)].awaited == 0) askFields(index);
+}
+
+void TreeFetch::askState(int index) {
+    const auto i = static_cast<std::size_t>(index);
+    ask(
+        index, kAccessible, "GetState",
+        [this, i](sd_bus_message* reply) {
+            const std::optional<std::uint64_t> states = readStates(reply);
+            work_[i].refused = work_[i].refused || !states;
+            tree_[i].states = states.value_or(0);
+        },
+        &TreeFetch::askFields);
+}
+
+void TreeFetch::askExtents(int index) {
+    const auto i = static_cast<std::size_t>(index);
+    ++work_[i].awaited;
+    work_[i].boxAsked = true;
+    Call call = callTo(tree_[i].reference, kComponent, "GetExtents");
+    call.signature = "u";
+    call.integers[0] = static_cast<std::int32_t>(coordinatesOf(application_.toolkit));
+    const bool early = asksBoxFirst(index);
+    pipeline_.send(std::move(call), [this, index, i, early](sd_bus_message* reply) {
+        tree_[i].raw = readBox(reply);
+        place(index);
+        if (--work_[i].awaited == 0) early ? askFields(index) : onFields(index);
+    });
+}
+
+// Where the states don't tell what scrolling or a hidden page leaves, the box must be known before anything else is
+// asked.
+bool TreeFetch::asksBoxFirst(int index) const {
+    return manner_.clipsByEveryBox || !manner_.showingIsTold ||
+           work_[static_cast<std::size_t>(index)].kind == Kind::cell;
+}
+
+void TreeFetch::place(int index) {
+    Node& node = tree_[static_cast<std::size_t>(index)];
+    if (node.raw && isSane(*node.raw)) node.frame = placement_.toRoot(*node.raw, node.inWebContent);
+}
+
+bool TreeFetch::showsByState(const Node& node) const {
+    if (node.has(State::defunct)) return false;
+    return manner_.showingIsTold ? node.has(State::showing) : node.has(State::visible) || node.has(State::showing);
+}
+
+// Whether some of the object's box is left by the boxes above it. What has no box of its own (an empty container) is
+// gone through, since what it holds may have one.
+bool TreeFetch::isWithinClip(int index) const {
+    const Node& node = tree_[static_cast<std::size_t>(index)];
+    if (!node.raw) return true;
+    if (!isSane(*node.raw)) return false;
+    // What GTK 4 doesn't show has no size, once it has been hidden or before it was ever laid out.
+    if (application_.toolkit == Toolkit::gtk4 && isEmpty(*node.raw)) return false;
+    return isEmpty(*node.raw) || isSurface(node.role) ||
+           intersects(node.frame, work_[static_cast<std::size_t>(index)].clip);
+}
+
+void TreeFetch::askFields(int index) {
+    const auto i = static_cast<std::size_t>(index);
+    Node& node = tree_[i];
+    const bool isFrame = index == 0;
+    if (work_[i].refused || (!isFrame && (!showsByState(node) || !isWithinClip(index)))) return;
+    node.shows = true;
+    ++work_[i].awaited;
+    if (!work_[i].seeded) askOwnFields(index);
+    if (!work_[i].boxAsked && !node.raw) askExtents(index);
+    const bool childrenKnown =
+        work_[i].seeded && static_cast<std::int32_t>(work_[i].children.size()) == node.childCount;
+    if (!manner_.childrenByIndex && work_[i].kind == Kind::ordinary && !node.has(State::managesDescendants) &&
+        !childrenKnown)
+        askChildren(index, &TreeFetch::onFields);
+    if (--work_[i].awaited == 0) onFields(index);
+}
+
+// Everything but the box and the children.
+void TreeFetch::askOwnFields(int index) {
+    const auto i = static_cast<std::size_t>(index);
+    const Node& node = tree_[i];
+    ask(
+        index, kAccessible, "GetRole",
+        [this, i](sd_bus_message* reply) { tree_[i].role = static_cast<Role>(readUnsigned(reply).value_or(0)); },
+        &TreeFetch::onFields);
+    if (manner_.allProperties) {
+        ++work_[i].awaited;
+        Call call = callTo(node.reference, kProperties, "GetAll");
+        call.signature = "s";
+        call.texts[0] = kAccessible;
+        pipeline_.send(std::move(call), [this, index, i](sd_bus_message* reply) {
+            readAllProperties(reply, tree_[i]);
+            if (--work_[i].awaited == 0) onFields(index);
+        });
+    } else {
+        askProperty(
+            index, kAccessible, "Name",
+            [this, i](sd_bus_message* reply) { tree_[i].name = readVariantText(reply).value_or(""); },
+            &TreeFetch::onFields);
+        if (work_[i].kind == Kind::ordinary)
+            askProperty(
+                index, kAccessible, "Description",
+                [this, i](sd_bus_message* reply) { tree_[i].description = readVariantText(reply).value_or(""); },
+                &TreeFetch::onFields);
+    }
+    if (manner_.asksInterfaces && work_[i].kind == Kind::ordinary)
+        ask(
+            index, kAccessible, "GetInterfaces",
+            [this, i](sd_bus_message* reply) { tree_[i].interfaces = readInterfaces(reply); }, &TreeFetch::onFields);
+}
+
+void TreeFetch::askChildren(int index, void (TreeFetch::*next)(int)) {
+    const auto i = static_cast<std::size_t>(index);
+    ask(
+        index, kAccessible, "GetChildren",
+        [this, i](sd_bus_message* reply) { work_[i].children = readReferences(reply); }, next);
+}
+
+void TreeFetch::onFields(int index) {
+    const auto i = static_cast<std::size_t>(index);
+    Node& node = tree_[i];
+    if (index != 0 && (node.role == Role::invalid || !isWithinClip(index))) {
+        node.shows = false;
+        return;
+    }
+    // Chromium lists two unnamed root views beside the frame's own content; only what shows is gone into, and those do.
+    askDetails(index);
+    descend(index);
+}
+
+void TreeFetch::descend(int index) {
+    const auto i = static_cast<std::size_t>(index);
+    Node& node = tree_[i];
+    if (manner_.asksInterfaces && node.has(State::managesDescendants)) {
+        if (node.offers(interface::table))
+            ManagedTable::fetch(*this, index);
+        else
+            askChildren(index, &TreeFetch::onCells);  // an icon view
+        return;
+    }
+    if (!manner_.childrenByIndex) {
+        onChildren(index);
+        return;
+    }
+    if (node.childCount <= 0) return;
+    if (static_cast<std::size_t>(node.childCount) < kLongList)
+        askChildren(index, &TreeFetch::onChildren);
+    else
+        LongList::fetch(*this, index);
+}
+
+void TreeFetch::onChildren(int index) {
+    visitChildren(index, work_[static_cast<std::size_t>(index)].children, clipBelow(index), Kind::ordinary);
+}
+
+void TreeFetch::onCells(int index) {
+    visitChildren(index, work_[static_cast<std::size_t>(index)].children, clipBelow(index), Kind::cell);
+}
+
+void TreeFetch::visitChildren(int index, const std::vector<Reference>& children, AxRect clip, Kind kind) {
+    std::vector<int> added;
+    for (const Reference& child : children) {
+        const int at = add(child, index, clip, kind);
+        if (at < 0) continue;
+        added.push_back(at);
+        tree_[static_cast<std::size_t>(index)].children.push_back(at);
+    }
+    for (const int each : added) visit(each);
+}
+
+AxRect TreeFetch::clipBelow(int index) const {
+    const Node& node = tree_[static_cast<std::size_t>(index)];
+    const AxRect clip = work_[static_cast<std::size_t>(index)].clip;
+    if (index == 0 || !node.raw || isEmpty(*node.raw)) return clip;
+    if (isSurface(node.role)) return {{-1e6, -1e6}, {2e6, 2e6}};
+    const bool clips =
+        manner_.clipsByEveryBox || isScroller(node.role) || (!manner_.showingIsTold && isGtk4Clipper(node.role));
+    return clips ? intersection(clip, node.frame) : clip;
+}
+
+void TreeFetch::askDetails(int index) {
+    const auto i = static_cast<std::size_t>(index);
+    const Node& node = tree_[i];
+    askRoleWord(index);
+    if (wantsText(application_.toolkit, node)) {
+        Call call = callTo(node.reference, kText, "GetText");
+        call.signature = "ii";
+        // GTK 4.8 answers an end of -1 with nothing, Gecko one beyond the text.
+        const bool toTheEnd = application_.toolkit == Toolkit::gecko;
+        call.integers[1] = toTheEnd ? -1 : application_.toolkit == Toolkit::gtk4 ? 2147483647 : -1;
+        pipeline_.send(std::move(call), [this, index, i](sd_bus_message* reply) {
+            tree_[i].text = readText(reply, static_cast<std::size_t>(kLongestText)).value_or("");
+            if (tree_[i].text.find(kEmbedded) != std::string::npos) askOwnTextBox(index);
+        });
+    }
+    if (wantsValue(node)) {
+        Call call = callTo(node.reference, kProperties, "Get");
+        call.signature = "ss";
+        call.texts[0] = "org.a11y.atspi.Value";
+        call.texts[1] = "CurrentValue";
+        pipeline_.send(std::move(call),
+                       [this, i](sd_bus_message* reply) { tree_[i].value = readVariantDouble(reply); });
+    }
+    if (wantsUri(application_.toolkit, node)) {
+        Call call = callTo(node.reference, "org.a11y.atspi.Hyperlink", "GetURI");
+        call.signature = "i";
+        pipeline_.send(std::move(call),
+                       [this, i](sd_bus_message* reply) { tree_[i].uri = readText(reply, kLongestName).value_or(""); });
+    }
+    if (manner_.asksAttributes &&
+        (node.role == Role::entry || node.role == Role::text || node.role == Role::passwordText))
+        pipeline_.send(callTo(node.reference, kAccessible, "GetAttributes"),
+                       [this, i](sd_bus_message* reply) { tree_[i].attributes = readAttributes(reply); });
+}
+
+void TreeFetch::askRoleWord(int index) {
+    const Node& node = tree_[static_cast<std::size_t>(index)];
+    // One question for each role of an application: the word doesn't depend on the object.
+    if (!roleWords_.emplace(node.role, std::string()).second) return;
+    pipeline_.send(callTo(node.reference, kAccessible, "GetLocalizedRoleName"),
+                   [this, role = node.role](sd_bus_message* reply) {
+                       roleWords_[role] = readText(reply, kLongestName).value_or("");
+                   });
+}
+
+// A text with children in it (links in a paragraph) is marked at its longest stretch between them: the box of the whole
+// would cover the children.
+void TreeFetch::askOwnTextBox(int index) {
+    const auto i = static_cast<std::size_t>(index);
+    const std::string& text = tree_[i].text;
+    std::size_t bestStart = 0, bestLength = 0, bestCharacter = 0, start = 0, character = 0, startCharacter = 0;
+    for (std::size_t at = 0; at <= text.size();) {
+        const bool end = at == text.size();
+        const bool embedded = !end && text.compare(at, kEmbedded.size(), kEmbedded) == 0;
+        if (end || embedded) {
+            if (at - start > bestLength) {
+                bestStart = start;
+                bestLength = at - start;
+                bestCharacter = startCharacter;
+            }
+            start = at + kEmbedded.size();
+            startCharacter = character + 1;
+        }
+        if (end) break;
+        ++character;
+        for (++at; at < text.size() && (static_cast<unsigned char>(text[at]) & 0xC0U) == 0x80U;) ++at;
+    }
+    std::string best = text.substr(bestStart, bestLength);
+    const auto isBlank = [](unsigned char c) { return c == ' ' || c == '\n' || c == '\t'; };
+    if (std::all_of(best.begin(), best.end(), isBlank)) {
+        tree_[i].text.clear();
+        return;
+    }
+    const auto length = static_cast<std::int32_t>(
+        std::count_if(best.begin(), best.end(), [](unsigned char c) { return (c & 0xC0U) != 0x80U; }));
+    tree_[i].text = std::move(best);
+    Call call = callTo(tree_[i].reference, kText, "GetRangeExtents");
+    call.signature = "iiu";
+    call.integers[0] = static_cast<std::int32_t>(bestCharacter);
+    call.integers[1] = static_cast<std::int32_t>(bestCharacter) + length;
+    call.integers[2] = static_cast<std::int32_t>(Coordinates::screen);
+    pipeline_.send(std::move(call), [this, i](sd_bus_message* reply) {
+        RawBox box;
+        if (reply && sd_bus_message_read(reply, "iiii", &box.x, &box.y, &box.width, &box.height) > 0 && !isEmpty(box) &&
+            isSane(box))
+            tree_[i].textBox = placement_.toRoot(box, tree_[i].inWebContent);
+    });
+}
+
+// GTK 4 keeps the pages of a stack or notebook that aren't shown, VISIBLE and with the boxes they once had. A hit test
+// at the middle of the stack finds the page that shows.
+void TreeFetch::dropHiddenPages() {
+    struct Stack {
+        int index;
+        std::vector<int> pages;
+        Reference hit;
+    };
+    std::vector<Stack> stacks;
+    for (std::size_t i = 0; i < tree_.size(); ++i) {
+        Stack stack{static_cast<int>(i), {}, {}};
+        for (const int child : tree_[i].children) {
+            const Node& page = tree_[static_cast<std::size_t>(child)];
+            if (page.shows && page.role == Role::panel && !page.offers(interface::component))
+                stack.pages.push_back(child);
+        }
+        if (stack.pages.size() > 1) stacks.push_back(std::move(stack));
+    }
+    for (Stack& stack : stacks) {
+        const Node& node = tree_[static_cast<std::size_t>(stack.index)];
+        const AxPoint centre{node.frame.origin.x + node.frame.size.width / 2,
+                             node.frame.origin.y + node.frame.size.height / 2};
+        const RawBox at = placement_.fromRoot(centre, false);
+        Call call = callTo(tree_[0].reference, kComponent, "GetAccessibleAtPoint");
+        call.signature = "iiu";
+        call.integers[0] = at.x;
+        call.integers[1] = at.y;
+        call.integers[2] = static_cast<std::int32_t>(Coordinates::window);
+        pipeline_.send(std::move(call), [&stack](sd_bus_message* reply) {
+            if (auto hit = readReference(reply)) stack.hit = *hit;
+        });
+    }
+    pipeline_.run();
+    for (const Stack& stack : stacks) {
+        const auto found =
+            std::find_if(tree_.begin(), tree_.end(), [&](const Node& n) { return n.reference == stack.hit; });
+        if (found == tree_.end()) continue;
+        int at = static_cast<int>(found - tree_.begin());
+        while (at >= 0 && tree_[static_cast<std::size_t>(at)].parent != stack.index)
+            at = tree_[static_cast<std::size_t>(at)].parent;
+        if (at < 0) continue;
+        for (const int page : stack.pages)
+            if (page != at) tree_[static_cast<std::size_t>(page)].shows = false;
+    }
+}
+
+// The drawn-by-itself part of a LibreOffice window reports boxes that are off by the height of the menu bar until a
+// pointer event has reached the window (7.4 and 25.2): the GTK panel around its root pane tells by how much.
+void TreeFetch::straightenLibreOffice() {
+    for (std::size_t i = 0; i < tree_.size(); ++i) {
+        const Node& pane = tree_[i];
+        if (pane.role != Role::rootPane || pane.parent < 0) continue;
+        const Node& panel = tree_[static_cast<std::size_t>(pane.parent)];
+        const std::string* toolkit = panel.attribute("toolkit");
+        if (!toolkit || *toolkit != "gtk" || !panel.raw || !pane.raw) continue;
+        const double dx = panel.frame.origin.x - pane.frame.origin.x;
+        const double dy = panel.frame.origin.y - pane.frame.origin.y;
+        std::vector<int> below{static_cast<int>(i)};
+        while (!below.empty()) {
+            Node& node = tree_[static_cast<std::size_t>(below.back())];
+            below.pop_back();
+            node.frame.origin.x += dx;
+            node.frame.origin.y += dy;
+            below.insert(below.end(), node.children.begin(), node.children.end());
+        }
+    }
+}
+
+void TreeFetch::addTextElements() {
+    const std::size_t count = tree_.size();
+    for (std::size_t i = 0; i < count; ++i) {
+        Node& node = tree_[i];
+        if (!node.shows) continue;
+        std::erase_if(node.children, [this](int c) { return !tree_[static_cast<std::size_t>(c)].shows; });
+        if (!needsTextElement(node, !node.children.empty())) continue;
+        Node text;
+        text.reference = node.reference;
+        text.parent = static_cast<int>(i);
+        text.role = node.role;
+        text.states = node.states;
+        text.text = ownText(node);
+        text.frame = node.textBox.value_or(node.frame);
+        text.raw = node.raw;
+        text.shows = text.synthetic = true;
+        text.inWebContent = node.inWebContent;
+        node.children.insert(node.children.begin(), static_cast<int>(tree_.size()));
+        tree_.push_back(std::move(text));
+        work_.emplace_back().clip = work_[i].clip;
+    }
+    for (Node& node : tree_)
+        if (const auto word = roleWords_.find(node.role); word != roleWords_.end()) node.roleWord = word->second;
+}
+
+// A control that is half scrolled away is where its visible half is: a click at the middle of its whole box would miss
+// it.
+void TreeFetch::clipFrames() {
+    for (std::size_t i = 1; i < tree_.size(); ++i) {
+        Node& node = tree_[i];
+        if (!node.shows || !node.raw || isEmpty(*node.raw) || isSurface(node.role)) continue;
+        if (const AxRect rest = intersection(node.frame, work_[i].clip); !rest.isNull()) node.frame = rest;
+    }
+}
+
+}  // namespace tarvix::atspi

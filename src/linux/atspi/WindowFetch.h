@@ -1,0 +1,41 @@
+// From an X11 window to the tree of what shows in it.
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "linux/atspi/Applications.h"
+#include "linux/atspi/Pipeline.h"
+#include "linux/atspi/Placement.h"
+
+namespace tarvix::atspi {
+
+struct WindowTree {
+    Application application;
+    Placement placement;
+    NodeTree nodes;            // index 0 is the frame
+    std::size_t calls = 0;     // bus calls that it took, those to the bus and the registry not counted
+    std::vector<Call> record;  // these calls, when asked to be kept
+};
+
+struct FetchOptions {
+    Pipeline::Mode mode = Pipeline::Mode::pipelined;
+    bool overBus = false;  // never the application's own socket
+    bool record = false;
+    Milliseconds limit{1500};
+};
+
+// Fetches the window's tree; blocks up to options.limit, and at a first contact with a browser, which makes its tree on
+// demand, somewhat longer. What had arrived when the time was up stands. Absent when the window's process shows no
+// frame.
+std::optional<WindowTree> fetchWindow(Applications& applications, const X11Window& window, const FetchOptions& options);
+
+// The accessible frame of a window, found by its title, size and activity among those of its process.
+struct FrameFound {
+    Application application;
+    Reference reference;
+    RawBox box;
+};
+std::optional<FrameFound> findFrame(Applications& applications, const X11Window& window, Clock::time_point deadline);
+
+}  // namespace tarvix::atspi
