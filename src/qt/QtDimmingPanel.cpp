@@ -62,9 +62,13 @@ public:
         orderIn();
     }
 
+    // Before mapping, lest it flash over the window, and after it, as compositors lose a place given to a window that
+    // isn't mapped.
     void orderBelow(std::uint32_t windowNumber) override {
         services_.windowing.stackBelow(number(), windowNumber);
         orderIn();
+        syncWithServer();
+        services_.windowing.stackBelow(number(), windowNumber);
     }
 
 private:

@@ -85,7 +85,6 @@ public:
         font.setPixelSize(look_.textSize);
         font.setWeight(QFont::Normal);
         field_.setFont(font);
-        arrange();
         update();
     }
 
@@ -94,6 +93,13 @@ public:
         translucent_ = translucent;
         maskIfOpaque();
         update();
+    }
+
+    // Not by resizeEvent(), which a hidden widget gets at its next showing only.
+    void place(const QRect& pixels) {
+        setGeometry(pixels);
+        arrange();
+        maskIfOpaque();
     }
 
     double measuredWidth() const {
@@ -125,11 +131,6 @@ protected:
             painter.drawRoundedRect(box(), look_.cornerRadius, look_.cornerRadius);
         }
         if (onPainted) onPainted();
-    }
-
-    void resizeEvent(QResizeEvent*) override {
-        arrange();
-        maskIfOpaque();
     }
 
     void changeEvent(QEvent* event) override {
@@ -217,7 +218,7 @@ public:
         frame_ = {frame.origin, {std::max(frame.size.width, least.width), least.height}};
         const AxRect place = flip(frame_, firstScreenHeight(services_.screens));
         const double off = window_.look().unpainted();
-        window_.setGeometry(pixelsOf(
+        window_.place(pixelsOf(
             {{place.origin.x + off, place.origin.y + off}, {place.size.width - 2 * off, place.size.height - 2 * off}}));
     }
 
