@@ -78,9 +78,14 @@ public:
         askCount("org.a11y.atspi.Table", "NRows", rows_);
         askCount("org.a11y.atspi.Table", "NColumns", columns_);
         askCount("org.a11y.atspi.Accessible", "ChildCount", children_);
-        const double left = seen_.minX() + std::min(20.0, seen_.size.width / 2);
-        for (const double fromTop : {2.0, 14.0, 26.0, 40.0, 60.0}) hit({left, seen_.minY() + fromTop}, Edge::top);
-        for (const double fromBottom : {2.0, 14.0, 30.0}) hit({left, seen_.maxY() - fromBottom}, Edge::bottom);
+        // Qt answers for cells only, not for the row headers that may stand at the left.
+        const bool headersAreDeaf = fetch_.application_.toolkit == Toolkit::qt;
+        for (const double fromLeft : {20.0, 80.0, 160.0}) {
+            const double x = seen_.minX() + std::min(fromLeft, seen_.size.width / 2);
+            for (const double fromTop : {2.0, 14.0, 26.0, 40.0, 60.0}) hit({x, seen_.minY() + fromTop}, Edge::top);
+            for (const double fromBottom : {2.0, 14.0, 30.0}) hit({x, seen_.maxY() - fromBottom}, Edge::bottom);
+            if (!headersAreDeaf) break;
+        }
         const double middle = seen_.minY() + seen_.size.height / 2;
         hit({seen_.maxX() - 3, middle}, Edge::right);
         hit({seen_.minX() + 3, middle}, Edge::left);

@@ -45,7 +45,7 @@ struct Node {
     AxRect frame;                   // root pixels, clipped to what scrolling leaves of it
     bool shows = false;             // it is on the screen, as far as its toolkit tells
     bool inWebContent = false;
-    bool inTitleBar = false;  // within the bar that a client draws itself at the top of its window
+    bool inTitleBar = false;  // at the top of its window, where a client draws its own title bar
     bool inMenuBar = false;   // directly in a menu bar
     bool synthetic = false;   // the text of an element that has no child to carry it; reference is the element's
 

@@ -6,7 +6,7 @@ namespace tarvix::atspi {
 
 namespace {
 
-constexpr std::int32_t kLargestSide = 32767;  // of an X11 window, hence of anything in it that shows
+constexpr std::int32_t kLargestSide = 1 << 26;  // the longest page that a browser lays out is half of that
 
 double wholeScale(double pixels, std::int32_t units) {
     return units > 0 ? std::max(1.0, std::round(pixels / units)) : 1;

@@ -157,6 +157,21 @@ bool isClassName(const std::string& name) {
            std::all_of(name.begin() + 3, name.end(), [](unsigned char c) { return std::isalnum(c) != 0 || c == '_'; });
 }
 
+// A bullet or a separator between links says nothing that anybody searches for.
+bool isOrnament(const std::string& text) {
+    static constexpr std::string_view bullets = "•◦▪▫–—·‣";
+    for (std::size_t i = 0; i < text.size();) {
+        const auto c = static_cast<unsigned char>(text[i]);
+        std::size_t length = 1;
+        while (i + length < text.size() && (static_cast<unsigned char>(text[i + length]) & 0xC0U) == 0x80U) ++length;
+        const bool plain =
+            c < 0x80U ? std::isalnum(c) == 0 : bullets.find(text.substr(i, length)) != std::string_view::npos;
+        if (!plain) return false;
+        i += length;
+    }
+    return true;
+}
+
 AxValue textOrNothing(const std::string& text) { return text.empty() ? AxValue() : AxValue(text); }
 
 // The buttons that a client draws into its own title bar have no role or identifier in GTK, only the words of its
@@ -265,7 +280,8 @@ std::string_view axRole(const Node& node) {
     if ((node.role == Role::text || node.role == Role::entry) && node.has(State::multiLine)) return "AXTextArea";
     if (node.role == Role::comboBox && node.has(State::editable)) return "AXComboBox";
     if (node.role == Role::pushButton && node.has(State::hasPopup)) return "AXMenuButton";
-    if (node.role == Role::menu && node.inMenuBar) return "AXMenuBarItem";
+    if ((node.role == Role::menu || node.role == Role::menuItem) && node.inMenuBar) return "AXMenuBarItem";
+    if (node.role == Role::pushButton && node.offers(interface::hyperlink)) return "AXLink";  // GTK 3's link button
     return rowOf(node.role).axRole;
 }
 
@@ -295,7 +311,7 @@ std::string ownText(const Node& node) { return node.text.empty() ? nameOf(node) 
 bool needsTextElement(const Node& node, bool hasChildren) {
     if (node.synthetic || !isTextCarrier(node.role)) return false;
     // With children, only a text of its own counts: a name is then put together from theirs.
-    return hasChildren ? !node.text.empty() : !ownText(node).empty();
+    return !isOrnament(hasChildren ? node.text : ownText(node));
 }
 
 bool wantsText(Toolkit toolkit, const Node& node) {
@@ -314,7 +330,8 @@ bool wantsValue(const Node& node) {
 }
 
 bool wantsUri(Toolkit toolkit, const Node& node) {
-    return node.role == Role::link && toolkit != Toolkit::qt && toolkit != Toolkit::gtk4;
+    if (toolkit == Toolkit::qt || toolkit == Toolkit::gtk4) return false;  // they don't tell
+    return axRole(node) == "AXLink";
 }
 
 }  // namespace tarvix::atspi

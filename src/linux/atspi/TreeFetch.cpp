@@ -100,6 +100,7 @@ void TreeFetch::run(const Reference& frame) {
     if (application_.toolkit == Toolkit::gtk4) dropHiddenPages();
     if (application_.toolkit == Toolkit::libreOffice) straightenLibreOffice();
     addTextElements();
+    markTitleBar();
     clipFrames();
 }
 
@@ -559,8 +560,25 @@ void TreeFetch::addTextElements() {
         tree_.push_back(std::move(text));
         work_.emplace_back().clip = work_[i].clip;
     }
+    nameTabs();
     for (Node& node : tree_)
         if (const auto word = roleWords_.find(node.role); word != roleWords_.end()) node.roleWord = word->second;
+}
+
+// GTK 4.8 calls every tab "Tab" and has its title in a label within.
+void TreeFetch::nameTabs() {
+    if (application_.toolkit != Toolkit::gtk4) return;
+    for (Node& tab : tree_) {
+        if (tab.role != Role::pageTab || tab.name != "Tab" || tab.children.empty()) continue;
+        if (const Node& label = tree_[static_cast<std::size_t>(tab.children.front())]; label.role == Role::label)
+            tab.name = label.name;
+    }
+}
+
+// What stands at the top of a window that draws its own title bar. GTK has no role for the bar itself.
+void TreeFetch::markTitleBar() {
+    constexpr double kTallestBar = 64;
+    for (Node& node : tree_) node.inTitleBar = node.inTitleBar || node.frame.maxY() <= visible_.minY() + kTallestBar;
 }
 
 // A control that is half scrolled away is where its visible half is: a click at the middle of its whole box would miss

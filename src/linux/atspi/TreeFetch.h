@@ -94,6 +94,8 @@ private:
 
     void dropHiddenPages();
     void addTextElements();
+    void nameTabs();
+    void markTitleBar();
     void straightenLibreOffice();
     void clipFrames();
 

@@ -15,6 +15,8 @@ constexpr const char* kAccessible = "org.a11y.atspi.Accessible";
 constexpr Milliseconds kWaryLimit{150};      // for an application that has just let a whole deadline pass
 constexpr Milliseconds kFirstContact{2000};  // a browser makes its tree within that
 constexpr Milliseconds kBetweenReads{60};
+constexpr int kSteady = 3;
+constexpr std::size_t kBareFrame = 8;  // what a browser shows before its tree is made
 
 struct FrameCandidate {
     Reference reference;
@@ -132,11 +134,12 @@ private:
         return result;
     }
 
-    // Reads until two reads in a row have found the same: the tree is being made while it is read.
+    // Reads until three reads in a row have found the same: the tree is being made while it is read.
     std::optional<WindowTree> fetchFirst(Lease& lease) {
         const Clock::time_point deadline = Clock::now() + kFirstContact;
         std::optional<WindowTree> last;
         std::size_t seen = 0;
+        int times = 0;
         for (;;) {
             std::optional<WindowTree> next = fetchOn(lease, deadline);
             const std::size_t count = next ? showing(next->nodes) : 0;
@@ -145,7 +148,8 @@ private:
                 touch(pipeline, lease, lastFrame_->reference);
             }
             if (next) last = std::move(next);
-            if ((count == seen && count > 8) || Clock::now() + kBetweenReads >= deadline) return last;
+            times = count == seen ? times + 1 : 1;
+            if ((times >= kSteady && count > kBareFrame) || Clock::now() + kBetweenReads >= deadline) return last;
             seen = count;
             std::this_thread::sleep_for(kBetweenReads);
         }
