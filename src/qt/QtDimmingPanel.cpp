@@ -34,6 +34,7 @@ class QtDimmingPanel : public DimmingPanel {
 public:
     explicit QtDimmingPanel(const PanelServices& services) : services_(services) {
         fade_.setDuration(kFadeMilliseconds);
+        QObject::connect(&fade_, &QVariantAnimation::finished, &window_, [this] { orderedIn_ = alpha_ > 0; });
         QObject::connect(&fade_, &QVariantAnimation::valueChanged, &window_,
                          [this](const QVariant& alpha) { apply(alpha.toDouble()); });
     }
@@ -42,8 +43,7 @@ public:
         window_.setGeometry(pixelsOf(flip(frame, firstScreenHeight(services_.screens))));
     }
 
-    // The place among the windows is what orderFront() and orderBelow() make it; X11 has no levels beside that.
-    void setLevel(int) override {}
+    void setLevel(int level) override { level_ = level; }
 
     void setAlpha(double alpha) override {
         fade_.stop();
@@ -62,9 +62,14 @@ public:
         orderIn();
     }
 
-    // Before mapping, lest it flash over the window, and after it, as compositors lose a place given to a window that
-    // isn't mapped.
+    // X11 has no levels: what lies above the windows' own level lies above every window, whichever it is ordered by.
+    // The place is given before mapping, lest the panel flash over the window, and after it, as compositors lose a
+    // place given to a window that isn't mapped.
     void orderBelow(std::uint32_t windowNumber) override {
+        if (level_ > 0) {
+            orderFront();
+            return;
+        }
         services_.windowing.stackBelow(number(), windowNumber);
         orderIn();
         syncWithServer();
@@ -89,8 +94,9 @@ private:
     }
 
     PanelServices services_;
+    int level_ = 0;
     double alpha_ = 1;
-    bool orderedIn_ = false;
+    bool orderedIn_ = false;  // not after fading away: the next alpha must not bring it back to its old place
     HazeWindow window_;
     QVariantAnimation fade_;
 };

@@ -205,7 +205,9 @@ public:
         window_.field().onCancel = [this] { cancelled_(); };
         window_.onDragged = [this](QPoint by) { dragged(by); };
         window_.onPainted = [this] { painted(); };
-        setLook({});
+        window_.setLook(look_);
+        setFrame({});
+        remeasure();
         warmUp();
     }
 
@@ -252,6 +254,8 @@ public:
     void setShowsProgress(bool shows) override { window_.spinner().setVisible(shows); }
 
     void setLook(const InputLook& look) override {
+        if (look == look_) return;
+        look_ = look;
         window_.setLook(look);
         setFrame(frame_);
         remeasure();
@@ -314,6 +318,7 @@ private:
 
     PanelServices services_;
     InputWindow window_;
+    InputLook look_;
     PanelRect frame_;
     double measuredWidth_ = 0;
     bool hasKeyboard_ = false;
