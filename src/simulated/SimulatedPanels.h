@@ -1,0 +1,59 @@
+// The factory of the simulated panels, which remembers the latest of each kind.
+#pragma once
+
+#include <cassert>
+
+#include "simulated/SimulatedCanvasPanel.h"
+#include "simulated/SimulatedDimmingPanel.h"
+#include "simulated/SimulatedInputPanel.h"
+
+namespace tarvix {
+
+class SimulatedColors : public SystemColors {
+public:
+    Color findHighlight() override { return highlight; }
+    Color controlAccent() override { return accent; }
+    Color selectedControl() override { return selected; }
+
+    Color highlight{1, 1, 0, 1};
+    Color accent{0, 0.48, 1, 1};
+    Color selected{0.7, 0.84, 1, 1};
+};
+
+// The accessors are for as long as the panel's owner lives, and only once it has been made.
+class SimulatedPanels : public Panels {
+public:
+    explicit SimulatedPanels(Journal& journal) : journal_(journal) {}
+
+    std::unique_ptr<InputPanel> makeInputPanel() override { return make(input_); }
+    std::unique_ptr<CanvasPanel> makeCanvasPanel() override { return make(canvas_); }
+    std::unique_ptr<DimmingPanel> makeDimmingPanel() override { return make(dimming_); }
+    SystemColors& colors() override { return systemColors; }
+
+    bool hasInput() const { return input_ != nullptr; }
+    SimulatedInputPanel& input() { return *made(input_); }
+    SimulatedCanvasPanel& canvas() { return *made(canvas_); }
+    SimulatedDimmingPanel& dimming() { return *made(dimming_); }
+
+    SimulatedColors systemColors;
+
+private:
+    template <class Panel>
+    std::unique_ptr<Panel> make(Panel*& latest) {
+        auto panel = std::make_unique<Panel>(journal_);
+        latest = panel.get();
+        return panel;
+    }
+    template <class Panel>
+    static Panel* made(Panel* panel) {
+        assert(panel);
+        return panel;
+    }
+
+    Journal& journal_;
+    SimulatedInputPanel* input_ = nullptr;
+    SimulatedCanvasPanel* canvas_ = nullptr;
+    SimulatedDimmingPanel* dimming_ = nullptr;
+};
+
+}  // namespace tarvix
