@@ -1,0 +1,81 @@
+#include "tests/desktop/play/Fixture.h"
+
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+#include "tests/desktop/play/Await.h"
+
+namespace tarvix {
+
+namespace {
+
+KnownControl::Visible visibility(const nlohmann::json& told) {
+    if (told.is_string()) return KnownControl::Visible::partly;
+    return told.get<bool>() ? KnownControl::Visible::yes : KnownControl::Visible::no;
+}
+
+std::vector<std::string> command(const std::string& script, const ScratchFolder& folder,
+                                 const std::vector<std::string>& more) {
+    std::vector<std::string> words{std::string(TARVIX_FIXTURES) + "/" + script, folder.file("report.json"),
+                                   folder.file("clicks")};
+    words.insert(words.end(), more.begin(), more.end());
+    return words;
+}
+
+nlohmann::json report(const ScratchFolder& folder) {
+    std::ifstream file(folder.file("report.json"));
+    return nlohmann::json::parse(file);
+}
+
+}  // namespace
+
+ScratchFolder::ScratchFolder() {
+    std::string pattern = (std::filesystem::temp_directory_path() / "tarvix-XXXXXX").string();
+    if (mkdtemp(pattern.data())) path_ = pattern;
+}
+
+ScratchFolder::~ScratchFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+}
+
+Fixture::Fixture(const std::string& script, const std::vector<std::string>& more)
+    : process_(command(script, folder_, more)) {}
+
+bool Fixture::isReady(std::chrono::milliseconds limit) {
+    const std::string path = folder_.file("report.json");
+    return await(limit, [&] { return std::filesystem::exists(path) || !process_.isRunning(); }) && process_.isRunning();
+}
+
+std::vector<KnownControl> Fixture::controls() const {
+    std::vector<KnownControl> controls;
+    for (const auto& told : report(folder_)["controls"])
+        controls.push_back({told["name"], told["kind"], AxRect{{told["x"], told["y"]}, {told["width"], told["height"]}},
+                            visibility(told["visible"]), told["clickable"]});
+    return controls;
+}
+
+std::uint32_t Fixture::window() const { return report(folder_)["window"]; }
+
+std::int32_t Fixture::pid() const { return report(folder_)["pid"]; }
+
+std::vector<FixtureClick> Fixture::clicks() const {
+    std::vector<FixtureClick> clicks;
+    std::ifstream file(folder_.file("clicks"));
+    for (std::string line; std::getline(file, line);) {
+        std::istringstream fields(line);
+        FixtureClick click;
+        std::string number;
+        std::getline(fields, click.name, '\t');
+        std::getline(fields, number, '\t');
+        click.button = std::stoi(number);
+        std::getline(fields, number, '\t');
+        click.count = std::stoi(number);
+        std::getline(fields, click.modifiers);
+        clicks.push_back(click);
+    }
+    return clicks;
+}
+
+}  // namespace tarvix

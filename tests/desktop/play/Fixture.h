@@ -1,0 +1,72 @@
+// A fixture window (tests/desktop/fixtures) and what it knows of itself.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "base/Geometry.h"
+#include "tests/desktop/play/Process.h"
+
+namespace tarvix {
+
+// A folder of its own that goes with the object.
+class ScratchFolder {
+public:
+    ScratchFolder();
+    ~ScratchFolder();
+    ScratchFolder(const ScratchFolder&) = delete;
+    ScratchFolder& operator=(const ScratchFolder&) = delete;
+
+    std::string file(const std::string& name) const { return path_ / name; }
+
+private:
+    std::filesystem::path path_;
+};
+
+struct KnownControl {
+    enum class Visible { no, partly, yes };
+
+    std::string name;
+    std::string kind;
+    AxRect frame;  // in root pixels
+    Visible visible = Visible::no;
+    bool clickable = false;
+};
+
+// One click that reached a control.
+struct FixtureClick {
+    std::string name;
+    int button = 0;
+    int count = 0;
+    std::string modifiers;
+    friend bool operator==(const FixtureClick&, const FixtureClick&) = default;
+};
+
+class Fixture {
+public:
+    // Starts a script of the fixtures' folder with more arguments than the report and the log.
+    explicit Fixture(const std::string& script, const std::vector<std::string>& more = {});
+
+    // Whether its report came within the limit: its window is there then, and its layout has come to rest.
+    bool isReady(std::chrono::milliseconds limit = std::chrono::seconds(60));
+
+    // What stands in the report by now. Only of a fixture that is ready.
+    std::vector<KnownControl> controls() const;
+    std::uint32_t window() const;
+    std::int32_t pid() const;
+
+    // All clicks so far.
+    std::vector<FixtureClick> clicks() const;
+
+    Process& process() { return process_; }
+
+private:
+    ScratchFolder folder_;
+    Process process_;
+};
+
+}  // namespace tarvix
