@@ -1,0 +1,100 @@
+#include "linux/x11/X11Modifiers.h"
+
+#include <algorithm>
+#include <cstddef>
+
+#include "platform/Events.h"
+
+namespace tarvix {
+
+namespace {
+
+constexpr xcb_keysym_t kNumLock = 0xff7f;
+constexpr xcb_keysym_t kAltL = 0xffe9, kAltR = 0xffea;
+constexpr xcb_keysym_t kSuperL = 0xffeb, kSuperR = 0xffec;
+
+struct Meaning {
+    std::uint8_t X11Modifiers::*bit;
+    std::uint64_t eventFlag;
+    std::uint32_t carbon;
+};
+constexpr std::array<Meaning, 4> kMeanings{{
+    {&X11Modifiers::shift, eventFlag::shift, 0x200},
+    {&X11Modifiers::control, eventFlag::control, 0x1000},
+    {&X11Modifiers::option, eventFlag::option, 0x800},
+    {&X11Modifiers::command, eventFlag::command, 0x100},
+}};
+
+}  // namespace
+
+X11Modifiers X11Modifiers::read(X11Connection& connection) {
+    xcb_connection_t* c = connection.get();
+    const auto* setup = xcb_get_setup(c);
+    const auto count = static_cast<std::uint8_t>(setup->max_keycode - setup->min_keycode + 1);
+    const auto mapAsked = xcb_get_modifier_mapping(c);
+    const auto symbolsAsked = xcb_get_keyboard_mapping(c, setup->min_keycode, count);
+    const auto map = connection.reply<xcb_get_modifier_mapping_reply>(mapAsked);
+    const auto symbols = connection.reply<xcb_get_keyboard_mapping_reply>(symbolsAsked);
+    X11Modifiers modifiers;
+    if (!map || !symbols) return modifiers;
+
+    const auto sets = [&](std::uint8_t keycode, std::initializer_list<xcb_keysym_t> wanted) {
+        const auto* first = xcb_get_keyboard_mapping_keysyms(symbols.get()) +
+                            std::ptrdiff_t{keycode - setup->min_keycode} * symbols->keysyms_per_keycode;
+        const auto* last = first + symbols->keysyms_per_keycode;
+        return std::find_first_of(first, last, wanted.begin(), wanted.end()) != last;
+    };
+    const xcb_keycode_t* keycodes = xcb_get_modifier_mapping_keycodes(map.get());
+    for (std::size_t bit = 0; bit < 8; ++bit)
+        for (std::size_t i = 0; i < map->keycodes_per_modifier; ++i) {
+            const std::uint8_t keycode = keycodes[bit * map->keycodes_per_modifier + i];
+            if (keycode >= setup->min_keycode) modifiers.keys[bit].push_back(keycode);
+        }
+
+    // The lowest bit with such a key on it; Shift, Lock and Control have fixed bits.
+    const auto find = [&](std::uint8_t& into, std::initializer_list<xcb_keysym_t> wanted) {
+        for (std::size_t bit = 3; bit < 8; ++bit)
+            for (const std::uint8_t keycode : modifiers.keys[bit])
+                if (sets(keycode, wanted)) {
+                    into = static_cast<std::uint8_t>(1u << bit);
+                    return;
+                }
+    };
+    find(modifiers.numLock, {kNumLock});
+    find(modifiers.option, {kAltL, kAltR});
+    find(modifiers.command, {kSuperL, kSuperR});
+    return modifiers;
+}
+
+bool X11Modifiers::isModifier(std::uint8_t keycode) const {
+    return std::ranges::any_of(keys, [&](const auto& of) { return std::ranges::count(of, keycode) > 0; });
+}
+
+std::optional<std::uint8_t> X11Modifiers::keyOf(std::uint8_t bit) const {
+    for (std::size_t i = 0; i < keys.size(); ++i)
+        if (bit == 1u << i && !keys[i].empty()) return keys[i].front();
+    return std::nullopt;
+}
+
+std::uint64_t X11Modifiers::eventFlags(std::uint32_t mask) const {
+    std::uint64_t flags = 0;
+    for (const Meaning& m : kMeanings)
+        if ((mask & this->*m.bit) != 0) flags |= m.eventFlag;
+    return flags;
+}
+
+std::uint8_t X11Modifiers::maskOfEventFlags(std::uint64_t flags) const {
+    std::uint8_t mask = 0;
+    for (const Meaning& m : kMeanings)
+        if ((flags & m.eventFlag) != 0) mask |= this->*m.bit;
+    return mask;
+}
+
+std::uint8_t X11Modifiers::maskOfCarbon(std::uint32_t carbon) const {
+    std::uint8_t mask = 0;
+    for (const Meaning& m : kMeanings)
+        if ((carbon & m.carbon) != 0) mask |= this->*m.bit;
+    return mask;
+}
+
+}  // namespace tarvix

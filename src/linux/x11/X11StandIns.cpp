@@ -1,0 +1,42 @@
+#include "linux/x11/X11StandIns.h"
+
+#include <xcb/xinput.h>
+
+#include "linux/x11/X11KeyState.h"
+#include "linux/x11/XInputKeyboards.h"
+
+namespace tarvix {
+
+X11StandIns::X11StandIns(X11Connection& connection) : x_(connection) {
+    events_ = x_.onEvent([this](const xcb_generic_event_t& event) {
+        if (modifiers_ != 0 && asXInput(x_, event, {XCB_INPUT_RAW_KEY_RELEASE})) check();
+        return X11Connection::Handled::no;
+    });
+}
+
+X11StandIns::~X11StandIns() { clear(); }
+
+void X11StandIns::standIn(std::uint8_t mask) {
+    const auto keyboards = readKeyboards(x_);
+    const std::uint8_t held = modifiersHeldOn(x_, keyboards.all()) & mask;
+    if (held == 0) return;
+    master_ = keyboards.master;
+    selectXInputOnRoot(x_, master_, XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE);
+    set(held);
+    check();  // the hand may have been quicker than the selection
+}
+
+void X11StandIns::clear() { set(0); }
+
+void X11StandIns::check() { set(modifiers_ & modifiersHeldOn(x_, readKeyboards(x_).all())); }
+
+void X11StandIns::set(std::uint8_t modifiers) {
+    if (modifiers == modifiers_) return;
+    lockModifiers(x_, static_cast<std::uint8_t>(modifiers_ & ~modifiers), 0);
+    lockModifiers(x_, modifiers, modifiers);
+    modifiers_ = modifiers;
+    if (modifiers_ == 0) selectXInputOnRoot(x_, master_, 0);
+    x_.flush();
+}
+
+}  // namespace tarvix
