@@ -77,6 +77,14 @@ struct X11InputSourcesTest : testing::Test {
         xcb_xkb_latch_lock_state(other->get(), XCB_XKB_ID_USE_CORE_KBD, 0, 0, 1, group, 0, 0, 0);
         other->sync();
     }
+    void setRulesNames(const std::string& layouts, const std::string& variants) {
+        std::string names;
+        for (const std::string& name : {std::string("evdev"), std::string("pc105"), layouts, variants, std::string()})
+            names += name + std::string(1, '\0');
+        xcb_change_property(other->get(), XCB_PROP_MODE_REPLACE, other->root(), other->atom("_XKB_RULES_NAMES"),
+                            XCB_ATOM_STRING, 8, static_cast<std::uint32_t>(names.size()), names.data());
+        other->sync();
+    }
     // Waits until everything that the server has announced so far is known.
     void settle(std::uint8_t anotherGroup) {
         const int before = selectedChanges;
@@ -212,6 +220,22 @@ TEST_F(X11InputSourcesTest, AnotherSetOfLayoutsIsTold) {
     EXPECT_EQ(selectedChanges, 1);
     EXPECT_EQ(sauce.keyForKeyCode(2), Key::e);
     EXPECT_EQ(sauce.layout.currentKeyboardLayoutInputSource().info.id, "us(dvorak)");
+}
+
+TEST_F(X11InputSourcesTest, NamesThatComeAfterTheirKeymapAreMet) {
+    setRulesNames("us", "intl");
+    ASSERT_TRUE(loop.runUntil([&] { return ids() == Ids{"us(intl)"}; }));
+    EXPECT_EQ(enabledChanges, 1);
+    EXPECT_EQ(selectedChanges, 1);
+}
+
+TEST_F(X11InputSourcesTest, NamesThatDoNotFitTheKeymapGiveWayToItsOwn) {
+    setRulesNames("us,de", "");
+    ASSERT_TRUE(loop.runUntil([&] { return ids() == Ids{"English (US)"}; }));
+    xcb_delete_property(other->get(), other->root(), other->atom("_XKB_RULES_NAMES"));
+    other->sync();
+    setRulesNames("us", "");
+    ASSERT_TRUE(loop.runUntil([&] { return ids() == Ids{"us"}; }));
 }
 
 TEST_F(X11InputSourcesTest, TheSameLayoutsSetAgainAreNoChange) {
