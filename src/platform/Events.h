@@ -30,9 +30,9 @@ inline constexpr std::uint64_t secondaryFn = 0x800000;
 struct MouseEvent {
     MouseEventType type = MouseEventType::mouseMoved;
     AxPoint point;
-    int button = 0;                      // 0 left, 1 right
-    int clickState = 0;                  // 1 for the first click, 2 for the second of a double click, 0 for a move
-    std::optional<std::uint64_t> flags;  // absent: the modifiers that the user holds stay in effect
+    int button = 0;      // 0 left, 1 right
+    int clickState = 0;  // 1 for the first click, 2 for the second of a double click, 0 for a move
+    std::optional<std::uint64_t> flags = std::nullopt;  // absent: the modifiers that the user holds stay in effect
     friend bool operator==(const MouseEvent&, const MouseEvent&) = default;
 };
 
@@ -52,8 +52,8 @@ class Events {
 public:
     virtual ~Events() = default;
 
-    // Posts one event as if the hardware had made it, and returns before it is delivered. False when the event could not
-    // be made; nothing is posted then.
+    // Posts one event as if the hardware had made it, and returns before it is delivered. False when the event could
+    // not be made; nothing is posted then.
     virtual bool post(const MouseEvent& event) = 0;
     virtual bool post(const KeyEvent& event) = 0;
 
