@@ -54,6 +54,18 @@ void paintShapes(QPainter& painter, const MarkerDrawing& marker, const QRectF& b
         painter.fillPath(pathOf(shape, bounds, marker.cornerRadius), toQColor(shape.color));
 }
 
+// The whole pixels that come closest to a shape.
+QRegion pixelsOfShape(const MarkerShape& shape, const QRectF& bounds) {
+    const auto inset = [&](double by) {
+        const QRectF rect = bounds.adjusted(by, by, -by, -by);
+        const int left = qRound(rect.left()), top = qRound(rect.top());
+        return QRect(left, top, qRound(rect.right()) - left, qRound(rect.bottom()) - top);
+    };
+    const double half = shape.lineWidth / 2;
+    const QRegion area(inset(shape.inset - half));
+    return half > 0 ? area - QRegion(inset(shape.inset + half)) : area;
+}
+
 std::size_t hashOf(const MarkerDrawing& marker) {
     std::size_t hash = 0;
     const PanelRect& frame = marker.frame;
@@ -88,23 +100,14 @@ void paintMarker(QPainter& painter, const MarkerDrawing& marker, const QRectF& b
     painter.restore();
 }
 
+void paintOpaqueMarker(QPainter& painter, const MarkerDrawing& marker, const QRectF& bounds) {
+    for (const MarkerShape& shape : marker.shapes)
+        for (const QRect& rect : pixelsOfShape(shape, bounds)) painter.fillRect(rect, toQColor(shape.color));
+}
+
 QRegion markerOutline(const MarkerDrawing& marker, const QRectF& bounds) {
     QRegion outline;
-    for (const MarkerShape& shape : marker.shapes) {
-        const double half = shape.lineWidth / 2;
-        const double outer = shape.inset - half;
-        const double inner = shape.inset + half;
-        QRegion area(bounds.adjusted(outer, outer, -outer, -outer).toAlignedRect());
-        const QRectF hole = bounds.adjusted(inner, inner, -inner, -inner);
-        if (half > 0 && hole.isValid()) {
-            // The hole keeps whole pixels only; one that the stroke touches belongs to the stroke.
-            const int left = static_cast<int>(std::ceil(hole.left()));
-            const int top = static_cast<int>(std::ceil(hole.top()));
-            area -= QRect(left, top, static_cast<int>(std::floor(hole.right())) - left,
-                          static_cast<int>(std::floor(hole.bottom())) - top);
-        }
-        outline += area;
-    }
+    for (const MarkerShape& shape : marker.shapes) outline += pixelsOfShape(shape, bounds);
     return outline;
 }
 

@@ -14,7 +14,10 @@ namespace tarvix {
 // pixel; one between two boundaries covers the pixel in part.
 void paintMarker(QPainter& painter, const MarkerDrawing& marker, const QRectF& bounds);
 
-// The pixels that a marker covers at all, for a window that cannot be translucent.
+// The same for a window that can't be translucent: in whole pixels, opaque, with square corners.
+void paintOpaqueMarker(QPainter& painter, const MarkerDrawing& marker, const QRectF& bounds);
+
+// Exactly the pixels that paintOpaqueMarker() paints.
 QRegion markerOutline(const MarkerDrawing& marker, const QRectF& bounds);
 
 // Which markers are in one list and not in the other, as indices into each: what must be painted anew to come from

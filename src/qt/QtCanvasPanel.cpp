@@ -63,13 +63,7 @@ protected:
         for (const MarkerDrawing& marker : markers_) {
             const QRectF bounds = boundsOf(marker);
             if (!event->region().intersects(bounds.toAlignedRect())) continue;
-            if (translucent_) {
-                paintMarker(painter, marker, bounds);
-            } else {
-                MarkerDrawing opaque = marker;
-                opaque.alpha = 1;
-                paintMarker(painter, opaque, bounds);
-            }
+            (translucent_ ? paintMarker : paintOpaqueMarker)(painter, marker, bounds);
         }
     }
 

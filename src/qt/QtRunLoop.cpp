@@ -36,7 +36,7 @@ QtRunLoop::QtRunLoop() : wakeUp_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
 }
 
 QtRunLoop::~QtRunLoop() {
-    pool_.waitForDone();
+    waitForBodies();
     blocksWait_.reset();
     close(wakeUp_);
 }

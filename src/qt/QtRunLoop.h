@@ -17,6 +17,9 @@ public:
     QtRunLoop();
     ~QtRunLoop() override;
 
+    // Returns when no body runs any more, so that what bodies use can be taken down.
+    void waitForBodies() { pool_.waitForDone(); }
+
     void onMain(std::function<void()> block) override;
     void inBackground(std::function<void()> body) override;
     [[nodiscard]] Subscription timer(std::chrono::milliseconds interval, Repeat repeat,

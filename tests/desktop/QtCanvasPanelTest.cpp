@@ -102,6 +102,20 @@ TEST_F(MarkerPainting, TheOutlineOfAStrokeIsItsRingAndOfAFillItsBlock) {
     EXPECT_TRUE(same(markerOutline(outline({}), {10, 5, 30, 20}), QRegion(11, 6, 28, 18) - QRegion(13, 8, 24, 14)));
 }
 
+TEST_F(MarkerPainting, WithoutTranslucencyTheOutlineIsPaintedToItsLastPixel) {
+    MarkerDrawing reader{{}, 0.9, 5, {{1.5, 1.5, kWhite}, {3.5, 2.5, kBlack}, {5.5, 1.5, kWhite}}};
+    for (const MarkerDrawing& marker : {reader, block({}), outline({})}) {
+        for (const QRectF bounds : {QRectF(10, 5, 30, 20), QRectF(10.3, 5.5, 30.4, 20), QRectF(10, 5, 7, 3)}) {
+            QImage image(60, 40, QImage::Format_ARGB32_Premultiplied);
+            image.fill(Qt::transparent);
+            QPainter painter(&image);
+            paintOpaqueMarker(painter, marker, bounds);
+            painter.end();
+            EXPECT_TRUE(same(inked(image), markerOutline(marker, bounds)));
+        }
+    }
+}
+
 TEST_F(MarkerPainting, OnlyWhatDiffersCounts) {
     const auto a = outline({{0, 0}, {10, 10}}), b = outline({{20, 0}, {10, 10}}), c = outline({{40, 0}, {10, 10}});
     const MarkerChanges none = markerChanges({a, b, c}, {a, b, c});
