@@ -10,6 +10,8 @@ namespace tarvix {
 
 namespace {
 
+constexpr auto keyLine = "key";  // in the place of a control's name
+
 KnownControl::Visible visibility(const nlohmann::json& told) {
     if (told.is_string()) return KnownControl::Visible::partly;
     return told.get<bool>() ? KnownControl::Visible::yes : KnownControl::Visible::no;
@@ -61,21 +63,34 @@ std::uint32_t Fixture::window() const { return report(folder_)["window"]; }
 std::int32_t Fixture::pid() const { return report(folder_)["pid"]; }
 
 std::vector<FixtureClick> Fixture::clicks() const {
-    std::vector<FixtureClick> clicks;
+    std::vector<FixtureClick> clicks = log();
+    std::erase_if(clicks, [](const FixtureClick& line) { return line.name == keyLine; });
+    return clicks;
+}
+
+std::string Fixture::keys() const {
+    std::string keys;
+    for (const FixtureClick& line : log())
+        if (line.name == keyLine) keys += line.modifiers;
+    return keys;
+}
+
+std::vector<FixtureClick> Fixture::log() const {
+    std::vector<FixtureClick> lines;
     std::ifstream file(folder_.file("clicks"));
     for (std::string line; std::getline(file, line);) {
         std::istringstream fields(line);
         FixtureClick click;
-        std::string number;
+        std::string button, count;
         std::getline(fields, click.name, '\t');
-        std::getline(fields, number, '\t');
-        click.button = std::stoi(number);
-        std::getline(fields, number, '\t');
-        click.count = std::stoi(number);
+        std::getline(fields, button, '\t');
+        std::getline(fields, count, '\t');
         std::getline(fields, click.modifiers);
-        clicks.push_back(click);
+        click.button = std::stoi(button);
+        click.count = std::stoi(count);
+        lines.push_back(click);
     }
-    return clicks;
+    return lines;
 }
 
 }  // namespace tarvix

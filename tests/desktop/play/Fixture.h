@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <optional>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -44,6 +45,9 @@ struct FixtureClick {
     int count = 0;
     std::string modifiers;
     friend bool operator==(const FixtureClick&, const FixtureClick&) = default;
+    friend std::ostream& operator<<(std::ostream& out, const FixtureClick& click) {
+        return out << click.name << ", button " << click.button << ", click " << click.count << " " << click.modifiers;
+    }
 };
 
 class Fixture {
@@ -61,10 +65,14 @@ public:
 
     // All clicks so far.
     std::vector<FixtureClick> clicks() const;
+    // The key presses that reached the window so far, one after the other; of fixtures that log them.
+    std::string keys() const;
 
     Process& process() { return process_; }
 
 private:
+    std::vector<FixtureClick> log() const;
+
     ScratchFolder folder_;
     Process process_;
 };
