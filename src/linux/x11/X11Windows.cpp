@@ -25,7 +25,8 @@ struct Asked {
     xcb_get_window_attributes_cookie_t attributes;
     xcb_get_geometry_cookie_t geometry;
     xcb_translate_coordinates_cookie_t origin;
-    xcb_get_property_cookie_t netName, name, windowClass, gtkExtents, extents, type, state, wmState, pid;
+    xcb_get_property_cookie_t netName, name, windowClass, gtkExtents, extents, type, state, wmState, pid,
+        gtkApplicationId;
     xcb_res_query_client_ids_cookie_t clientIds;
 };
 
@@ -47,7 +48,7 @@ public:
         x_->intern({"_NET_ACTIVE_WINDOW", "_NET_CLIENT_LIST_STACKING", "_NET_CLIENT_LIST", "_NET_SUPPORTING_WM_CHECK",
                     "_NET_WM_NAME", "WM_NAME", "WM_CLASS", "_GTK_FRAME_EXTENTS", "_NET_FRAME_EXTENTS",
                     "_NET_WM_WINDOW_TYPE", "_NET_WM_STATE", "WM_STATE", "_NET_WM_PID", "_NET_WM_STATE_FULLSCREEN",
-                    "_NET_WM_STATE_HIDDEN"});
+                    "_NET_WM_STATE_HIDDEN", "_GTK_APPLICATION_ID"});
         if (!x_->extension(xcb_res_id)) return;
         const auto version = x_->reply<xcb_res_query_version_reply>(xcb_res_query_version(x_->get(), 1, 2));
         hasClientIds_ = version && version->server_major * 100 + version->server_minor >= 102;
@@ -88,6 +89,7 @@ private:
                 x_->askProperty(number, "_NET_WM_STATE"),
                 x_->askProperty(number, "WM_STATE"),
                 x_->askProperty(number, "_NET_WM_PID"),
+                x_->askProperty(number, "_GTK_APPLICATION_ID"),
                 hasClientIds_ ? xcb_res_query_client_ids(c, 1, &whose) : xcb_res_query_client_ids_cookie_t{0}};
     }
 
@@ -103,6 +105,7 @@ private:
         const auto name = x_->text(asked.name);
         w.title = netName ? *netName : name.value_or("");
         takeClass(x_->text(asked.windowClass).value_or(""), w);
+        w.gtkApplicationId = x_->text(asked.gtkApplicationId).value_or("");
         w.gtkFrameExtents = extentsOf(x_->items(asked.gtkExtents));
         w.frameExtents = extentsOf(x_->items(asked.extents));
         for (const xcb_atom_t type : x_->items(asked.type)) w.types.push_back(typeName(type));

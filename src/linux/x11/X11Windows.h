@@ -19,7 +19,8 @@ struct X11Window {
     std::string title;           // _NET_WM_NAME, else WM_NAME
     std::string windowClass;     // the class part of WM_CLASS
     std::string windowInstance;  // the instance part of WM_CLASS
-    AxRect client;               // the client window with the shadow that the client draws itself
+    std::string gtkApplicationId;  // _GTK_APPLICATION_ID, a desktop file's id; empty where not set
+    AxRect client;                 // the client window with the shadow that the client draws itself
     struct Extents {
         double left = 0, right = 0, top = 0, bottom = 0;
         friend bool operator==(const Extents&, const Extents&) = default;

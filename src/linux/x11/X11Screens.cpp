@@ -1,0 +1,101 @@
+#include "linux/x11/X11Screens.h"
+
+#include <xcb/randr.h>
+
+#include <algorithm>
+
+#include "linux/x11/X11WindowTree.h"
+
+namespace tarvix {
+
+namespace {
+
+double overlap(AxRect a, AxRect b) {
+    const double width = std::min(a.maxX(), b.maxX()) - std::max(a.minX(), b.minX());
+    const double height = std::min(a.maxY(), b.maxY()) - std::max(a.minY(), b.minY());
+    return width > 0 && height > 0 ? width * height : 0;
+}
+
+bool holds(AxRect r, AxPoint p) { return p.x >= r.minX() && p.x < r.maxX() && p.y >= r.minY() && p.y < r.maxY(); }
+
+}  // namespace
+
+Outcome<std::unique_ptr<X11Screens>> X11Screens::open(X11Connection& connection) {
+    if (!connection.isAlive()) return Fault{"the X server has gone"};
+    bool hasMonitors = false;
+    if (connection.extension(xcb_randr_id)) {
+        const auto version =
+            connection.reply<xcb_randr_query_version_reply>(xcb_randr_query_version(connection.get(), 1, 5));
+        hasMonitors = version && version->major_version * 100 + version->minor_version >= 105;
+    }
+    return std::unique_ptr<X11Screens>(new X11Screens(connection, hasMonitors));
+}
+
+std::vector<AxRect> X11Screens::monitors() {
+    std::vector<AxRect> found;
+    if (hasMonitors_) {
+        const auto answer = x_.reply<xcb_randr_get_monitors_reply>(xcb_randr_get_monitors(x_.get(), x_.root(), 1));
+        if (answer)
+            for (auto m = xcb_randr_get_monitors_monitors_iterator(answer.get()); m.rem > 0;
+                 xcb_randr_monitor_info_next(&m)) {
+                const AxRect frame{{double(m.data->x), double(m.data->y)},
+                                   {double(m.data->width), double(m.data->height)}};
+                if (!frame.isEmpty()) found.insert(m.data->primary ? found.begin() : found.end(), frame);
+            }
+    }
+    if (!found.empty()) return found;
+    const auto root = x_.reply<xcb_get_geometry_reply>(xcb_get_geometry(x_.get(), x_.root()));
+    if (root) found.push_back({{0, 0}, {double(root->width), double(root->height)}});
+    return found;
+}
+
+std::vector<PanelRect> X11Screens::frames() {
+    std::vector<PanelRect> frames;
+    const auto all = monitors();
+    for (const AxRect& monitor : all) frames.push_back(flip(monitor, all.front().height()));
+    return frames;
+}
+
+std::optional<PanelRect> X11Screens::mainFrame() {
+    const auto all = monitors();
+    if (all.empty()) return std::nullopt;
+    auto main = all.end();
+    if (const auto window = activeWindow()) {
+        main = std::ranges::max_element(all, {}, [&](const AxRect& m) { return overlap(m, *window); });
+        if (overlap(*main, *window) == 0) main = all.end();
+    }
+    if (main == all.end()) main = std::ranges::find_if(all, [p = pointer()](const AxRect& m) { return holds(m, p); });
+    if (main == all.end()) main = all.begin();
+    return flip(*main, all.front().height());
+}
+
+// The window that has the keyboard where no window manager says which one is active.
+std::optional<AxRect> X11Screens::activeWindow() {
+    xcb_window_t window = XCB_WINDOW_NONE;
+    if (hasWindowManager(x_)) {
+        const auto active = x_.items(x_.root(), "_NET_ACTIVE_WINDOW");
+        if (!active.empty()) window = active.front();
+    } else if (const auto focus = x_.reply<xcb_get_input_focus_reply>(xcb_get_input_focus(x_.get()))) {
+        const bool isWindow = focus->focus > XCB_INPUT_FOCUS_POINTER_ROOT && focus->focus != x_.root();
+        if (isWindow) window = childrenOfRoot(x_, {focus->focus}).front();
+    }
+    if (window == XCB_WINDOW_NONE) return std::nullopt;
+    const auto geometryAsked = xcb_get_geometry(x_.get(), window);
+    const auto originAsked = xcb_translate_coordinates(x_.get(), window, x_.root(), 0, 0);
+    const auto geometry = x_.reply<xcb_get_geometry_reply>(geometryAsked);
+    const auto origin = x_.reply<xcb_translate_coordinates_reply>(originAsked);
+    if (!geometry || !origin) return std::nullopt;
+    return AxRect{{double(origin->dst_x), double(origin->dst_y)}, {double(geometry->width), double(geometry->height)}};
+}
+
+AxPoint X11Screens::pointer() {
+    const auto answer = x_.reply<xcb_query_pointer_reply>(xcb_query_pointer(x_.get(), x_.root()));
+    return answer ? AxPoint{double(answer->root_x), double(answer->root_y)} : AxPoint{};
+}
+
+PanelPoint X11Screens::mouseLocation() {
+    const auto all = monitors();
+    return flip(pointer(), all.empty() ? 0 : all.front().height());
+}
+
+}  // namespace tarvix

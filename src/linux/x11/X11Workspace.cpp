@@ -1,0 +1,113 @@
+#include "linux/x11/X11Workspace.h"
+
+#include <algorithm>
+#include <cctype>
+#include <filesystem>
+#include <utility>
+
+#include "linux/x11/ProcessFiles.h"
+
+namespace tarvix {
+
+namespace {
+
+constexpr const char* kOwnId = "tarvix";  // the name of our desktop file
+
+const RunningApplication kDesktop{0, "desktop", "Desktop"};
+
+std::string lowered(std::string text) {
+    std::ranges::transform(text, text.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return text;
+}
+
+std::string firstOf(std::initializer_list<std::string> texts) {
+    for (const std::string& text : texts)
+        if (!text.empty()) return text;
+    return {};
+}
+
+// The id of the file by which a launcher has started this very process; children inherit the variables.
+std::string launchedId(std::int32_t pid) {
+    if (environmentVariable(pid, "GIO_LAUNCHED_DESKTOP_FILE_PID") != std::to_string(pid)) return {};
+    const auto file = environmentVariable(pid, "GIO_LAUNCHED_DESKTOP_FILE");
+    return file ? std::filesystem::path(*file).stem().string() : std::string();
+}
+
+}  // namespace
+
+Outcome<std::unique_ptr<X11Workspace>> X11Workspace::open(X11Connection& connection, X11Windows& windows) {
+    if (!connection.isAlive()) return Fault{"the X server has gone"};
+    return std::unique_ptr<X11Workspace>(new X11Workspace(connection, windows));
+}
+
+X11Workspace::X11Workspace(X11Connection& connection, X11Windows& windows) : x_(connection), windows_(windows) {
+    const xcb_atom_t activeWindow = x_.atom("_NET_ACTIVE_WINDOW");
+    x_.selectOnRoot(XCB_EVENT_MASK_PROPERTY_CHANGE);
+    x_.flush();
+    lastActivated_ = frontmostApplication();
+    events_ = x_.onEvent([this, activeWindow](const xcb_generic_event_t& event) {
+        const auto& changed = reinterpret_cast<const xcb_property_notify_event_t&>(event);
+        if ((event.response_type & 0x7f) == XCB_PROPERTY_NOTIFY && changed.window == x_.root() &&
+            changed.atom == activeWindow)
+            activeWindowChanged();
+        return X11Connection::Handled::no;
+    });
+}
+
+std::optional<RunningApplication> X11Workspace::frontmostApplication() {
+    const auto window = windows_.active();
+    return window ? describe(window->pid, &*window) : kDesktop;
+}
+
+std::optional<RunningApplication> X11Workspace::runningApplication(std::int32_t pid) {
+    if (pid == kDesktop.processIdentifier) return kDesktop;
+    if (!processIsAlive(pid)) return std::nullopt;
+    const auto windows = windows_.onScreen();
+    const auto own = std::ranges::find(windows, pid, &X11Window::pid);
+    return describe(pid, own == windows.end() ? nullptr : &*own);
+}
+
+std::optional<DesktopEntry> X11Workspace::entryOf(std::int32_t pid, const X11Window* window) {
+    const auto known = [&](const std::string& id) { return id.empty() ? std::nullopt : entries_.withId(id); };
+    if (const auto id = flatpakId(pid)) {
+        // Known by its name inside of the sandbox even where its file can't be seen.
+        const auto entry = known(*id);
+        return entry ? entry : DesktopEntry{*id, "", "", ""};
+    }
+    if (window)
+        if (const auto entry = known(window->gtkApplicationId)) return entry;
+    if (const auto entry = known(launchedId(pid))) return entry;
+    if (window)
+        if (const auto entry = entries_.ofWindow(window->windowClass, window->windowInstance)) return entry;
+    return entries_.ofProgram(programName(pid));
+}
+
+RunningApplication X11Workspace::describe(std::int32_t pid, const X11Window* window) {
+    const auto entry = entryOf(pid, window);
+    const std::string program = programName(pid);
+    const std::string windowClass = window ? window->windowClass : "";
+    return {pid, entry ? entry->id : lowered(firstOf({program, windowClass, "unknown"})),
+            firstOf({entry ? entry->name : "", windowClass, program})};
+}
+
+std::string X11Workspace::ownBundleIdentifier() { return kOwnId; }
+
+bool X11Workspace::isVoiceOverEnabled() { return screenReader_.isEnabled && screenReader_.isEnabled(); }
+
+void X11Workspace::announce(std::string_view text, int priority) {
+    if (screenReader_.announce) screenReader_.announce(text, priority);
+}
+
+Subscription X11Workspace::onApplicationActivated(std::function<void(const RunningApplication&)> activated) {
+    return activated_.add(std::move(activated));
+}
+
+void X11Workspace::activeWindowChanged() {
+    const auto now = frontmostApplication();
+    // Between two active windows there is often none for a moment.
+    if (!now || *now == kDesktop || now == lastActivated_) return;
+    lastActivated_ = now;
+    activated_(*now);
+}
+
+}  // namespace tarvix

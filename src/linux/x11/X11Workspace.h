@@ -1,0 +1,57 @@
+// The applications that run on the desktop.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "base/Listeners.h"
+#include "base/Outcome.h"
+#include "linux/x11/DesktopEntries.h"
+#include "linux/x11/X11Connection.h"
+#include "linux/x11/X11Windows.h"
+#include "platform/Workspace.h"
+
+namespace tarvix {
+
+// The frontmost application is the owner of the active window. Where no window is active it is the desktop itself, with
+// the process identifier 0, so that a search can begin everywhere.
+class X11Workspace final : public Workspace {
+public:
+    // What the accessibility side knows of the screen reader; absent functions stand for a desktop without one.
+    struct ScreenReader {
+        std::function<bool()> isEnabled;
+        std::function<void(std::string_view text, int priority)> announce;
+    };
+
+    // Connection and windows outlive the workspace.
+    static Outcome<std::unique_ptr<X11Workspace>> open(X11Connection& connection, X11Windows& windows);
+
+    void setScreenReader(ScreenReader screenReader) { screenReader_ = std::move(screenReader); }
+
+    std::optional<RunningApplication> frontmostApplication() override;
+    std::optional<RunningApplication> runningApplication(std::int32_t pid) override;
+    std::string ownBundleIdentifier() override;
+    bool isVoiceOverEnabled() override;
+    void announce(std::string_view text, int priority) override;
+    Subscription onApplicationActivated(std::function<void(const RunningApplication&)> activated) override;
+
+private:
+    X11Workspace(X11Connection& connection, X11Windows& windows);
+    void activeWindowChanged();
+    // What is installed as the owner of a process and of one of its windows, if it has any.
+    std::optional<DesktopEntry> entryOf(std::int32_t pid, const X11Window* window);
+    RunningApplication describe(std::int32_t pid, const X11Window* window);
+
+    X11Connection& x_;
+    X11Windows& windows_;
+    DesktopEntries entries_;
+    ScreenReader screenReader_;
+    std::optional<RunningApplication> lastActivated_;
+    Listeners<const RunningApplication&> activated_;
+    Subscription events_;
+};
+
+}  // namespace tarvix
