@@ -203,6 +203,16 @@ void Applications::keepRoleWords(const std::string& bus, const std::map<Role, st
     known_[bus].roleWords.insert(words.begin(), words.end());
 }
 
+Paddings Applications::paddings(const std::string& bus) {
+    const std::lock_guard lock(mutex_);
+    return known_[bus].paddings;
+}
+
+void Applications::keepPaddings(const std::string& bus, Paddings paddings) {
+    const std::lock_guard lock(mutex_);
+    known_[bus].paddings = std::move(paddings);
+}
+
 bool Applications::isFirstContact(const std::string& bus) {
     const std::lock_guard lock(mutex_);
     return !std::exchange(known_[bus].contacted, true);

@@ -11,6 +11,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "linux/atspi/BorderBoxes.h"
 #include "linux/atspi/Node.h"
 #include "linux/atspi/SdBus.h"
 
@@ -67,6 +68,9 @@ public:
     std::map<Role, std::string> roleWords(const std::string& bus);
     void keepRoleWords(const std::string& bus, const std::map<Role, std::string>& words);
 
+    Paddings paddings(const std::string& bus);
+    void keepPaddings(const std::string& bus, Paddings paddings);
+
     // True once for each application: its first contact, when trees that are made on demand are not there yet.
     bool isFirstContact(const std::string& bus);
 
@@ -80,6 +84,7 @@ private:
         std::optional<Toolkit> toolkit;
         std::optional<std::string> address;  // its own socket; empty: it has none
         std::map<Role, std::string> roleWords;
+        Paddings paddings;
         bool contacted = false;
         std::optional<Clock::time_point> timeout;
         std::vector<Bus> idle;

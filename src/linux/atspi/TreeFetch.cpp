@@ -83,21 +83,26 @@ const Manner& mannerOf(Toolkit toolkit) {
 }
 
 TreeFetch::TreeFetch(Pipeline& pipeline, const Application& application, bool direct, const Placement& placement,
-                     AxRect visible, std::map<Role, std::string> roleWords)
+                     AxRect visible, std::map<Role, std::string> roleWords, Paddings paddings)
     : pipeline_(pipeline),
       application_(application),
       direct_(direct),
       manner_(mannerOf(application.toolkit)),
       placement_(placement),
       visible_(visible),
-      roleWords_(std::move(roleWords)) {}
+      roleWords_(std::move(roleWords)),
+      paddings_(std::move(paddings)) {}
 
 void TreeFetch::run(const Reference& frame) {
     if (manner_.hasItems) askSeed(frame);
     visit(add(frame, -1, visible_, Kind::ordinary));
     pipeline_.run();
     if (tree_.empty()) return;
-    if (application_.toolkit == Toolkit::gtk4) dropHiddenPages();
+    if (application_.toolkit == Toolkit::gtk4) {
+        dropHiddenPages();
+        BorderBoxes::widen(pipeline_, tree_, paddings_);
+        for (std::size_t i = 1; i < tree_.size(); ++i) place(static_cast<int>(i));
+    }
     if (application_.toolkit == Toolkit::libreOffice) straightenLibreOffice();
     addTextElements();
     markTitleBar();

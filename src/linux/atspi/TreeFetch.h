@@ -33,7 +33,7 @@ const Manner& mannerOf(Toolkit toolkit);
 class TreeFetch {
 public:
     TreeFetch(Pipeline& pipeline, const Application& application, bool direct, const Placement& placement,
-              AxRect visible, std::map<Role, std::string> roleWords);
+              AxRect visible, std::map<Role, std::string> roleWords, Paddings paddings);
     TreeFetch(const TreeFetch&) = delete;
     TreeFetch& operator=(const TreeFetch&) = delete;
 
@@ -46,6 +46,8 @@ public:
     const NodeTree& tree() const { return tree_; }
     // The words for the roles that were met, those given at creation included.
     const std::map<Role, std::string>& roleWords() const { return roleWords_; }
+    // Likewise the widths of borders.
+    const Paddings& paddings() const { return paddings_; }
 
 private:
     friend class LongList;
@@ -106,6 +108,7 @@ private:
     const Placement placement_;
     const AxRect visible_;
     std::map<Role, std::string> roleWords_;
+    Paddings paddings_;
     NodeTree tree_;
     std::deque<Work> work_;
     std::unordered_set<std::string> met_;

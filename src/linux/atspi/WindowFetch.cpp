@@ -121,9 +121,10 @@ private:
             result.application = application_;
             result.placement = place(application_.toolkit, window_, frame->box);
             TreeFetch tree(pipeline, application_, lease.direct(), result.placement, window_.visible(),
-                           applications_.roleWords(application_.bus));
+                           applications_.roleWords(application_.bus), applications_.paddings(application_.bus));
             tree.run(frame->reference);
             applications_.keepRoleWords(application_.bus, tree.roleWords());
+            applications_.keepPaddings(application_.bus, tree.paddings());
             result.nodes = tree.takeTree();
         }
         result.calls = pipeline.sent();
