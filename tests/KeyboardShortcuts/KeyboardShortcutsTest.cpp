@@ -276,6 +276,9 @@ TEST_F(KeyboardShortcutsTest, AHandlerMayReplaceItsShortcutAndAllHandlers) {
         shortcuts.removeAllHandlers();
         shortcuts.setShortcut(controlAShortcut, toggleWith);
     });
+    const ShortcutName lookedAtAfterwards{"zoom", std::nullopt};
+    defaults.set("KeyboardShortcuts_zoom", encoded({1, 0x100}));
+    shortcuts.onKeyDown(lookedAtAfterwards, writes("zoom"));
     hotKeys.press(shiftCommandSpace);
     EXPECT_EQ(journal, Journal{"replacing"});
     EXPECT_EQ(held(), std::vector{controlA});

@@ -1,9 +1,11 @@
 // The simulated desktop keeps to the contracts.
 #include "simulated/Journal.h"
+#include "simulated/SimulatedInputSources.h"
 #include "simulated/SimulatedPanels.h"
 #include "simulated/SimulatedRunLoop.h"
 #include "simulated/SimulatedScreens.h"
 #include "simulated/SimulatedUserDefaults.h"
+#include "tests/contract/InputSourcesContract.h"
 #include "tests/contract/PanelsContract.h"
 #include "tests/contract/RunLoopContract.h"
 #include "tests/contract/ScreensContract.h"
@@ -45,10 +47,18 @@ ContractSubject<Panels> panels() {
     return {world, world->panels, atOnce};
 }
 
+ContractSubject<InputSources> inputSources() {
+    const auto sources = std::make_shared<SimulatedInputSources>(
+        std::vector{simulatedLayout::russian(), simulatedLayout::us(), simulatedLayout::dvorak(),
+                    simulatedLayout::japanese(), simulatedLayout::inputMethod()});
+    return {sources, *sources, atOnce};
+}
+
 INSTANTIATE_TEST_SUITE_P(Simulated, RunLoopContract, testing::Values(runLoop));
 INSTANTIATE_TEST_SUITE_P(Simulated, UserDefaultsContract, testing::Values(userDefaults));
 INSTANTIATE_TEST_SUITE_P(Simulated, ScreensContract, testing::Values(screens));
 INSTANTIATE_TEST_SUITE_P(Simulated, PanelsContract, testing::Values(panels));
+INSTANTIATE_TEST_SUITE_P(Simulated, InputSourcesContract, testing::Values(inputSources));
 
 }  // namespace
 }  // namespace tarvix

@@ -10,6 +10,7 @@
 #include "linux/x11/EvdevKeyCodes.h"
 #include "linux/x11/X11InputSources.h"
 #include "linux/x11/XcbXkb.h"
+#include "tests/contract/InputSourcesContract.h"
 #include "tests/desktop/PollLoop.h"
 
 namespace tarvix {
@@ -256,6 +257,18 @@ TEST_F(X11InputSourcesTest, AKeyFromAnotherDeviceIsNoChange) {
     settle(0);
     EXPECT_EQ(enabledChanges, before);
 }
+
+ContractSubject<InputSources> x11InputSources() {
+    struct World {
+        PollLoop loop;
+        std::unique_ptr<X11InputSources> sources = std::move(X11InputSources::open(loop).value());
+    };
+    const auto world = std::make_shared<World>();
+    return {world, *world->sources,
+            [world](const std::function<bool()>& condition) { return world->loop.runUntil(condition); }};
+}
+
+INSTANTIATE_TEST_SUITE_P(X11, InputSourcesContract, testing::Values(x11InputSources));
 
 TEST(X11InputSourcesWithoutADisplay, FailToOpen) {
     const std::string display = std::getenv("DISPLAY");
