@@ -111,6 +111,13 @@ QRegion markerOutline(const MarkerDrawing& marker, const QRectF& bounds) {
     return outline;
 }
 
+QRegion unite(std::vector<QRegion> regions) {
+    if (regions.empty()) return {};
+    for (std::size_t step = 1; step < regions.size(); step *= 2)
+        for (std::size_t i = 0; i + step < regions.size(); i += 2 * step) regions[i] += regions[i + step];
+    return regions.front();
+}
+
 MarkerChanges markerChanges(const std::vector<MarkerDrawing>& shown, const std::vector<MarkerDrawing>& next) {
     std::unordered_multimap<std::size_t, std::size_t> places;
     for (std::size_t i = 0; i < shown.size(); ++i) places.emplace(hashOf(shown[i]), i);

@@ -20,6 +20,9 @@ void paintOpaqueMarker(QPainter& painter, const MarkerDrawing& marker, const QRe
 // Exactly the pixels that paintOpaqueMarker() paints.
 QRegion markerOutline(const MarkerDrawing& marker, const QRectF& bounds);
 
+// The union of many regions. Two and two, since adding them one by one to a growing region takes quadratic time.
+QRegion unite(std::vector<QRegion> regions);
+
 // Which markers are in one list and not in the other, as indices into each: what must be painted anew to come from
 // `shown` to `next`. Markers that changed their order among each other count as different.
 struct MarkerChanges {

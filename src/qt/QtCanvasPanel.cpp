@@ -12,8 +12,11 @@ namespace tarvix {
 
 namespace {
 
-// Beyond this many rectangles their bounding one is repainted: the region's own book-keeping would cost more.
-constexpr std::size_t kMostRects = 400;
+// A region of many rectangles costs more to look through than its bounding rectangle costs to paint.
+QRegion simplified(const QRegion& region) {
+    constexpr int kMostRects = 400;
+    return region.rectCount() > kMostRects ? QRegion(region.boundingRect()) : region;
+}
 
 // Outside of every window: an empty mask would mean no mask at all.
 const QRect kNowhere(-2, -2, 1, 1);
@@ -60,9 +63,10 @@ public:
 protected:
     void paintEvent(QPaintEvent* event) override {
         QPainter painter(this);
+        const QRegion exposed = simplified(event->region());
         for (const MarkerDrawing& marker : markers_) {
             const QRectF bounds = boundsOf(marker);
-            if (!event->region().intersects(bounds.toAlignedRect())) continue;
+            if (!exposed.intersects(bounds.toAlignedRect())) continue;
             (translucent_ ? paintMarker : paintOpaqueMarker)(painter, marker, bounds);
         }
     }
@@ -95,23 +99,16 @@ private:
 
     QRegion changedRegion(const std::vector<MarkerDrawing>& next) const {
         const MarkerChanges changes = markerChanges(markers_, next);
-        std::vector<QRect> rects;
-        for (const std::size_t i : changes.gone) rects.push_back(boundsOf(markers_[i]).toAlignedRect());
-        for (const std::size_t i : changes.come) rects.push_back(boundsOf(next[i]).toAlignedRect());
-        if (rects.size() > kMostRects) {
-            QRect all;
-            for (const QRect& rect : rects) all |= rect;
-            return all;
-        }
-        QRegion region;
-        for (const QRect& rect : rects) region += rect;
-        return region;
+        std::vector<QRegion> rects;
+        for (const std::size_t i : changes.gone) rects.emplace_back(boundsOf(markers_[i]).toAlignedRect());
+        for (const std::size_t i : changes.come) rects.emplace_back(boundsOf(next[i]).toAlignedRect());
+        return simplified(unite(std::move(rects)));
     }
 
     QRegion outlines() const {
-        QRegion region(kNowhere);
-        for (const MarkerDrawing& marker : markers_) region += markerOutline(marker, boundsOf(marker));
-        return region;
+        std::vector<QRegion> regions{kNowhere};
+        for (const MarkerDrawing& marker : markers_) regions.push_back(markerOutline(marker, boundsOf(marker)));
+        return unite(std::move(regions));
     }
 
     Milestones& milestones_;
