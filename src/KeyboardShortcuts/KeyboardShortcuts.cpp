@@ -95,7 +95,8 @@ void KeyboardShortcuts::unregisterShortcut(const Shortcut& shortcut) {
 // The store is read at each press, so that a choice written by anyone holds from the next press on.
 void KeyboardShortcuts::dispatch(const Handlers& handlers, const Shortcut& pressed) const {
     if (isPaused) return;
-    const Handlers present = handlers;  // a handler may add or remove some
+    // A copy, since a handler may add or remove some.
+    const std::vector<std::pair<Name, std::vector<Handler>>> present(handlers.begin(), handlers.end());
     for (const auto& [name, actions] : present) {
         if (getShortcut(name) != pressed) continue;
         for (const Handler& action : actions) action();

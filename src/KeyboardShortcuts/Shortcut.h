@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <tuple>
 
 #include "platform/Modifiers.h"
 
@@ -20,7 +21,10 @@ struct Shortcut {
         return {keyCode, ModifierTransformer::carbonFlags(eventFlags)};
     }
 
-    friend auto operator<=>(const Shortcut&, const Shortcut&) = default;
+    friend bool operator==(const Shortcut&, const Shortcut&) = default;
+    friend bool operator<(const Shortcut& a, const Shortcut& b) {
+        return std::tie(a.carbonKeyCode, a.carbonModifiers) < std::tie(b.carbonKeyCode, b.carbonModifiers);
+    }
 };
 
 // The form in which a shortcut is stored: a JSON object of its two integers.
