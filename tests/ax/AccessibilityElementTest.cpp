@@ -179,8 +179,7 @@ TEST(AccessibilityElement, TheDumpOfAnElementWithEverything) {
 
 TEST(AccessibilityElement, TheDumpOfAnEmptyElement) {
     const std::string dump = AccessibilityElement().metadataDump();
-    EXPECT_EQ(dump.substr(0, 81),
-              "AccessibilityElement(\n    role: .someOtherShit,\n    roleDescription: \"\",\n    subro");
+    EXPECT_TRUE(dump.starts_with("AccessibilityElement(\n    role: .someOtherShit,\n    roleDescription: \"\",\n"));
     EXPECT_NE(dump.find("subrole: nil,\n    label: nil,\n    title: nil,\n    help: nil,\n"), std::string::npos);
     EXPECT_TRUE(dump.ends_with(",\n    url: nil\n),\n"));
 }
