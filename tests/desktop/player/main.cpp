@@ -83,6 +83,9 @@ private:
         const std::vector<Button> before = buttons();
         if (before.empty()) return fail("the application tells nothing of its buttons");
 
+        const auto unmarked = captureScreen();
+        if (!unmarked) return fail("the screen can't be seen");
+
         const Program::Step opened = program.pressHotKey(keyboard_);
         if (!opened) return fail("The Input did not come up");
         tell("hot key", opened.milliseconds(), "Shift+Super+Space pressed: The Input shown");
@@ -101,7 +104,7 @@ private:
         if (!moved) return fail("the Primary Target did not move");
         tell("Down", moved.milliseconds(), "Primary Target moved: %zu markers drawn", moved.answered->count);
 
-        if (!takePicture()) return fail("no picture could be taken");
+        if (!takePicture(before, *unmarked)) return fail("the markers can't be seen on the screen");
         tell("picture", -1, "%s", picture_.c_str());
 
         const Program::Step clicked = program.press(keyboard_, keysym::returnKey, milestone::actionPosted);
@@ -121,15 +124,27 @@ private:
     }
 
     // A compositor shows what was painted a frame later, and `import` would take the picture too early: so it waits
-    // until the screen has come to rest.
-    bool takePicture() const {
-        auto seen = captureScreen();
+    // until the application's buttons look different from before, and the same several times. Not the whole screen:
+    // other parts of the application move all the time.
+    bool takePicture(const std::vector<Button>& buttons, const ScreenImage& before) const {
+        const auto look = [&](const ScreenImage& screen) {
+            std::vector<std::uint32_t> pixels;
+            for (const Button& button : buttons)
+                if (button.role == "radio button" && button.name.starts_with("Page"))
+                    for (int y = button.y; y < button.y + button.height; ++y)
+                        for (int x = button.x; x < button.x + button.width; ++x) pixels.push_back(screen.at(x, y));
+            return pixels;
+        };
+        const auto unmarked = look(before);
+        auto seen = unmarked;
         int times = 0;
         const bool atRest = await(3s, [&] {
-            const auto now = captureScreen();
-            times = now == seen ? times + 1 : 0;
-            seen = now;
-            return times >= 5;
+            const auto screen = captureScreen();
+            if (!screen) return false;
+            auto now = look(*screen);
+            times = now == seen && now != unmarked ? times + 1 : 0;
+            seen = std::move(now);
+            return times >= 3;
         });
         return atRest && outputOf({"import", "-window", "root", picture_}).has_value();
     }
