@@ -1,0 +1,74 @@
+// The floating search field.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "display/DisplayEngineProtocol.h"
+#include "display/InputPosition.h"
+#include "display/QuerySession.h"
+#include "display/TheInputProtocol.h"
+#include "keys/Sauce.h"
+#include "platform/Panels.h"
+#include "platform/Platform.h"
+#include "shell/Setting.h"
+
+namespace tarvix {
+
+// Notifications to every program of the user's session.
+namespace inputNotification {
+inline constexpr std::string_view didAppear = "TarvixInputDidAppear";
+inline constexpr std::string_view didDisappear = "TarvixInputDidDisappear";
+}  // namespace inputNotification
+
+// Where a panel of this size has its bottom left corner so that it stands on top of an object, and on the screen at its
+// left, right and top edges; the bottom doesn't matter, as the panel goes upwards.
+PanelPoint clampedOrigin(PanelPoint objectTopLeft, Size panel, const Screen& screen);
+
+// Made once and shown and hidden. It ends the session when it loses the keyboard or is cancelled. What is given
+// outlives it.
+class TheInput : public TheInputProtocol {
+public:
+    TheInput(const Platform& platform, DisplayEngineProtocol& displayEngine, QuerySession& session, const Sauce& sauce);
+
+    void open() override;
+    // Shows the panel with a text where it stands.
+    void openInPlace(const std::string& text);
+    void close() override;
+    bool isVisible() const override { return panel_->isVisible(); }
+    const std::string& value() const override { return value_; }
+    void setShowPreloading(bool shows) override;
+    bool showPreloading() const { return showPreloading_; }
+
+private:
+    void appeared();
+    void placeAndShow();
+    // False when the panel is to stay hidden.
+    bool place(InputPosition position);
+    bool placeAtWindow(InputPosition position);
+    void placeAtMouse();
+    void moveTo(PanelPoint objectTopLeft, const Screen& screen);
+    void setValue(const std::string& text);
+    void valueChanged(const std::string& text);
+    void widthChanged(double width);
+    void selectText();
+    void applyLook();
+
+    Platform platform_;
+    DisplayEngineProtocol& displayEngine_;
+    QuerySession& session_;
+    const Sauce& sauce_;
+    Setting<InputPosition> inputPosition_;
+    Setting<bool> dontFlushTheInput_;
+    Setting<double> inputTextSize_;
+    Setting<double> inputBackgroundOpacity_;
+    Setting<double> inputCornerRadius_;
+    Setting<double> inputBorderThickness_;
+    std::string value_;
+    bool showPreloading_ = false;
+    InputLook look_;  // what a new panel looks like
+    std::unique_ptr<InputPanel> panel_;
+    std::vector<Subscription> subscriptions_;
+};
+
+}  // namespace tarvix
