@@ -31,9 +31,9 @@ public:
     SystemColors& colors() override { return systemColors; }
 
     bool hasInput() const { return input_ != nullptr; }
-    SimulatedInputPanel& input() { return *made(input_); }
-    SimulatedCanvasPanel& canvas() { return *made(canvas_); }
-    SimulatedDimmingPanel& dimming() { return *made(dimming_); }
+    SimulatedInputPanel& input() const { return *made(input_); }
+    SimulatedCanvasPanel& canvas() const { return *made(canvas_); }
+    SimulatedDimmingPanel& dimming() const { return *made(dimming_); }
 
     SimulatedColors systemColors;
 

@@ -1,0 +1,119 @@
+#include "simulated/SimulatedDesktop.h"
+
+#include "platform/Modifiers.h"
+
+namespace tarvix {
+
+namespace {
+
+constexpr std::uint32_t kShiftState = 2, kOptionState = 8;
+constexpr int kOrdinaryLayer = 0;
+
+// The characters of a UTF-8 text.
+std::vector<std::string> charactersOf(std::string_view text) {
+    std::vector<std::string> characters;
+    for (const char byte : text) {
+        const bool continues = (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
+        if (!continues || characters.empty()) characters.emplace_back();
+        characters.back().push_back(byte);
+    }
+    return characters;
+}
+
+}  // namespace
+
+SimulatedDesktop::SimulatedDesktop()
+    : accessibility(log, faults),
+      workspace(log, faults),
+      windowServer(faults),
+      events(log, faults, screens,
+             [this](const KeyEvent& event) {
+                 if (event.type == KeyEventType::keyDown) runLoop.onMain([this, event] { deliver(event); });
+             }),
+      hotKeys(faults),
+      panels(log),
+      pasteboard(log),
+      notificationCenter(log) {}
+
+Platform SimulatedDesktop::platform() {
+    return {.accessibility = accessibility,
+            .workspace = workspace,
+            .windowServer = windowServer,
+            .screens = screens,
+            .events = events,
+            .hotKeys = hotKeys,
+            .inputSources = inputSources,
+            .panels = panels,
+            .runLoop = runLoop,
+            .userDefaults = userDefaults,
+            .pasteboard = pasteboard,
+            .notificationCenter = notificationCenter,
+            .milestones = milestones};
+}
+
+std::int32_t SimulatedDesktop::launch(const std::string& name, std::optional<std::string> bundleIdentifier) {
+    const std::int32_t pid = ++lastPid_;
+    workspace.launch({pid, bundleIdentifier.value_or("org.example." + name), name});
+    activate(pid);
+    return pid;
+}
+
+SimulatedWindow SimulatedDesktop::window(const std::string& name, AxRect frame,
+                                         std::optional<std::string> bundleIdentifier) {
+    return addWindow(launch(name, std::move(bundleIdentifier)), name, frame);
+}
+
+SimulatedWindow SimulatedDesktop::addWindow(std::int32_t pid, const std::string& title, AxRect frame) {
+    const std::uint32_t number = ++lastWindow_;
+    const SimulatedElement element{.role = "AXWindow",
+                                   .title = title,
+                                   .frame = frame,
+                                   .children = {},
+                                   .attributes = {{std::string(ax::fullScreen), false}}};
+    windowServer.add({number, pid, workspace.runningApplication(pid)->localizedName, kOrdinaryLayer, frame});
+    return {&accessibility, pid, number, accessibility.addWindow(pid, element, number)};
+}
+
+void SimulatedDesktop::activate(std::optional<std::int32_t> pid) {
+    accessibility.setFocusedApplication(pid);
+    workspace.activate(pid);
+}
+
+void SimulatedDesktop::press(std::uint16_t keyCode, std::uint64_t flags) {
+    deliver({KeyEventType::keyDown, keyCode, flags});
+}
+
+void SimulatedDesktop::deliver(const KeyEvent& event) {
+    if (hotKeys.press({event.keyCode, ModifierTransformer::carbonFlags(event.flags)})) return;
+    if (!panelHasKeyboard()) {
+        log.note(Topic::key, "key " + std::to_string(event.keyCode) + " reached the application");
+    } else if (events.offer(event) == Verdict::pass) {
+        panels.input().handleKey(event, typed(event));
+    }
+}
+
+bool SimulatedDesktop::panelHasKeyboard() const { return panels.hasInput() && panels.input().isKey(); }
+
+std::string SimulatedDesktop::typed(const KeyEvent& event) {
+    const std::uint32_t state =
+        ((event.flags & eventFlag::shift) ? kShiftState : 0) + ((event.flags & eventFlag::option) ? kOptionState : 0);
+    return inputSources.translate(inputSources.currentKeyboardLayout(), event.keyCode, state).value_or("");
+}
+
+void SimulatedDesktop::type(std::string_view text) {
+    for (const std::string& character : charactersOf(text)) typeCharacter(character);
+}
+
+void SimulatedDesktop::typeCharacter(const std::string& character) {
+    constexpr std::uint16_t codes = 128;
+    for (const std::uint64_t flags : {std::uint64_t{0}, eventFlag::shift})
+        for (std::uint16_t code = 0; code < codes; ++code)
+            if (typed({KeyEventType::keyDown, code, flags}) == character) return press(code, flags);
+    if (panelHasKeyboard()) panels.input().insert(character);
+}
+
+void SimulatedDesktop::clickElsewhere() {
+    if (panels.hasInput()) panels.input().takeKeyboardAway();
+}
+
+}  // namespace tarvix

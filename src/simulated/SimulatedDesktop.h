@@ -1,0 +1,92 @@
+// A whole desktop in memory, driven by hand: state what is there, use the keyboard, read the journal of effects.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <initializer_list>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/Platform.h"
+#include "simulated/Faults.h"
+#include "simulated/Journal.h"
+#include "simulated/SimulatedAccessibility.h"
+#include "simulated/SimulatedEvents.h"
+#include "simulated/SimulatedHotKeys.h"
+#include "simulated/SimulatedInputSources.h"
+#include "simulated/SimulatedPanels.h"
+#include "simulated/SimulatedRunLoop.h"
+#include "simulated/SimulatedScreens.h"
+#include "simulated/SimulatedServices.h"
+#include "simulated/SimulatedUserDefaults.h"
+#include "simulated/SimulatedWindow.h"
+#include "simulated/SimulatedWindowServer.h"
+#include "simulated/SimulatedWorkspace.h"
+
+namespace tarvix {
+
+// To begin with there is one screen of 1600 by 1000, the pointer in its middle, a US keyboard, and no application.
+// Nothing runs by itself: settle() or the verbs of `runLoop` move the queues on, turnClock() the timers.
+class SimulatedDesktop {
+public:
+    SimulatedDesktop();
+    SimulatedDesktop(const SimulatedDesktop&) = delete;
+    SimulatedDesktop& operator=(const SimulatedDesktop&) = delete;
+
+    Platform platform();
+
+    // Launches an application, which becomes frontmost and gets the focus. Its identifier is "org.example." and the
+    // name unless another one is given. The answer is its process.
+    std::int32_t launch(const std::string& name, std::optional<std::string> bundleIdentifier = std::nullopt);
+    // Launches an application with this window, which is its main and its focused one and not in full-screen mode.
+    SimulatedWindow window(const std::string& name, AxRect frame = {{0, 0}, {800, 600}},
+                           std::optional<std::string> bundleIdentifier = std::nullopt);
+    // One more window of a running application, in front of all others but neither its main nor its focused one.
+    SimulatedWindow addWindow(std::int32_t pid, const std::string& title, AxRect frame);
+
+    // Makes an application frontmost and gives it the accessibility focus. Nothing: no application is either.
+    void activate(std::optional<std::int32_t> pid);
+
+    // One press of a key, by position: the hot key that it is, else the monitor and the panel with the keyboard, else
+    // the application.
+    void press(std::uint16_t keyCode, std::uint64_t flags = 0);
+    // A text, key by key on the present layout; characters that no key types come as from an input method.
+    void type(std::string_view text);
+    // The user turns to another window, which takes the keyboard.
+    void clickElsewhere();
+
+    void settle() { runLoop.settle(); }
+    void turnClock(std::chrono::milliseconds by) { runLoop.turnClock(by); }
+
+    std::vector<std::string> journal(std::initializer_list<Topic> topics = {}) const { return log.entries(topics); }
+    void clearJournal() { log.clear(); }
+
+    Journal log;
+    Faults faults;
+    SimulatedAccessibility accessibility;
+    SimulatedWorkspace workspace;
+    SimulatedWindowServer windowServer;
+    SimulatedScreens screens;
+    SimulatedEvents events;
+    SimulatedHotKeys hotKeys;
+    SimulatedInputSources inputSources;
+    SimulatedPanels panels;
+    SimulatedRunLoop runLoop;
+    SimulatedUserDefaults userDefaults;
+    SimulatedPasteboard pasteboard;
+    SimulatedNotificationCenter notificationCenter;
+    SimulatedMilestones milestones;
+
+private:
+    bool panelHasKeyboard() const;
+    void deliver(const KeyEvent& event);
+    void typeCharacter(const std::string& character);
+    std::string typed(const KeyEvent& event);
+
+    std::int32_t lastPid_ = 100;
+    std::uint32_t lastWindow_ = 0;
+};
+
+}  // namespace tarvix
