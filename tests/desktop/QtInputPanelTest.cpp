@@ -213,6 +213,18 @@ TEST_F(QtInputPanelTest, DraggingTheBackgroundMovesThePanel) {
     EXPECT_EQ(panel->frame().size, before.size);
 }
 
+TEST_F(QtInputPanelTest, TheCaretIsPaintedWhileThePanelHasTheKeyboard) {
+    show();
+    EXPECT_TRUE(runUntil([&] {
+        const QRect caret = field()->inputMethodQuery(Qt::ImCursorRectangle).toRect();
+        const QPoint pixel = field()->geometry().topLeft() + caret.center();
+        const QImage painted = window()->grab().toImage();
+        for (const int x : {pixel.x() - 1, pixel.x(), pixel.x() + 1})
+            if (painted.pixelColor(x, pixel.y()).lightness() < 60) return true;
+        return false;
+    }));
+}
+
 TEST_F(QtInputPanelTest, TheSpinnerShowsWhileProgressDoes) {
     show();
     const QImage idle = window()->grab().toImage();
