@@ -35,6 +35,7 @@ InputField::InputField(QWidget* parent) : QLineEdit(parent) {
     setFrame(false);
     setAutoFillBackground(false);
     setContextMenuPolicy(Qt::NoContextMenu);  // a menu would take the keyboard away
+    setDragEnabled(false);                    // and a drag the pointer
     setAccessibleName("The Input");
     connect(this, &QLineEdit::textEdited, this, [this] {
         if (onEdited) onEdited();
