@@ -46,7 +46,8 @@ Outcome<std::unique_ptr<X11Events>> X11Events::open(X11Connection& connection) {
 }
 
 X11Events::X11Events(X11Connection& connection, bool hasXInput)
-    : x_(connection), hasXInput_(hasXInput), modifiers_(X11Modifiers::read(connection)) {
+    : x_(connection), modifiers_(X11Modifiers::read(connection)) {
+    if (hasXInput) standIns_.emplace(x_);
     events_ = x_.onEvent([this](const xcb_generic_event_t& event) {
         if ((event.response_type & 0x7f) == XCB_MAPPING_NOTIFY) modifiers_ = X11Modifiers::read(x_);
         return X11Connection::Handled::no;
@@ -64,11 +65,14 @@ bool X11Events::post(const MouseEvent& event) {
     if (row == kButtons.end()) {
         fake(XCB_MOTION_NOTIFY, 0, *x, *y);
     } else {
-        const auto change = changeFor(event.flags);
         fake(XCB_MOTION_NOTIFY, 0, *x, *y);
-        apply(change);
+        std::uint8_t locked = 0;
+        if (standIns_ && event.flags) locked = setModifiers(*event.flags);
+        // Modifiers that a hand holds are unknown to the applications while the keyboards are grabbed one by one, and
+        // belong to the click all the same.
+        if (standIns_ && !event.flags) standIns_->standIn(modifiers_.four());
         const unsigned sequence = fake(row->event, row->button);
-        undo(change);
+        lockModifiers(x_, locked, 0);
         if (row->event == XCB_BUTTON_PRESS) ownPresses_.push_back(sequence);
         if (ownPresses_.size() > kMostPressesKept) ownPresses_.erase(ownPresses_.begin());
     }
@@ -76,59 +80,31 @@ bool X11Events::post(const MouseEvent& event) {
     return true;
 }
 
-// Modifiers that a hand holds are unknown to the applications while the keyboards are grabbed one by one, and belong to
-// the click all the same.
-X11Events::ModifierChange X11Events::changeFor(const std::optional<std::uint64_t>& flags) {
-    if (!hasXInput_) return {};
+std::uint8_t X11Events::setModifiers(std::uint64_t flags) {
+    standIns_->suspend();
     const auto devices = readKeyboards(x_).all();
-    auto asked = devices;
-    asked.push_back(kMasterKeyboard);
-    auto states = modifierStates(x_, asked);
-    const ModifierState master = states.back();
-    states.pop_back();
-
-    std::uint8_t wanted = flags ? modifiers_.maskOfEventFlags(*flags) : master.effective();
-    if (!flags)
-        for (const ModifierState& state : states) wanted |= state.held;
-    wanted &= modifiers_.four();
-
-    ModifierChange change;
-    change.add = wanted & static_cast<std::uint8_t>(~master.effective());
-    const std::uint8_t unwanted = modifiers_.four() & static_cast<std::uint8_t>(~wanted);
-    change.unlock = master.locked & unwanted;
-    if ((master.held & unwanted) != 0) change.lifted = keysDownWith(master.held & unwanted, devices);
-    return change;
+    const ModifierState master = modifierStates(x_, {kMasterKeyboard}).front();
+    const std::uint8_t wanted = modifiers_.maskOfEventFlags(flags);
+    const std::uint8_t unwanted = master.held & modifiers_.four() & static_cast<std::uint8_t>(~wanted);
+    if (unwanted != 0) liftKeys(unwanted, devices);
+    const std::uint8_t missing = wanted & static_cast<std::uint8_t>(~master.effective());
+    lockModifiers(x_, missing, missing);
+    return missing;
 }
 
-std::vector<X11Events::ModifierChange::Lifted> X11Events::keysDownWith(std::uint8_t mask,
-                                                                       const std::vector<std::uint16_t>& devices) {
-    std::vector<ModifierChange::Lifted> found;
+// Each key goes up on the keyboard that holds it, so that its own later release finds nothing to do. It isn't put down
+// again: a window manager may hold the click back until after that.
+void X11Events::liftKeys(std::uint8_t mask, const std::vector<std::uint16_t>& devices) {
+    const int release = x_.extension(xcb_input_id)->first_event + XCB_INPUT_DEVICE_KEY_RELEASE;
     for (const std::uint16_t device : devices) {
         const Keycodes down = keysDownOn(x_, {device});
-        for (std::size_t bit = 0; bit < modifiers_.keys.size(); ++bit)
-            for (const std::uint8_t keycode : modifiers_.keys[bit])
-                if ((mask >> bit & 1) != 0 && down[keycode]) found.push_back({device, keycode});
+        for (std::size_t k = 0; k < down.size(); ++k) {
+            const auto keycode = static_cast<std::uint8_t>(k);
+            if (down[k] && (modifiers_.maskOfKey(keycode) & mask) != 0)
+                xcb_test_fake_input(x_.get(), static_cast<std::uint8_t>(release), keycode, XCB_CURRENT_TIME,
+                                    XCB_WINDOW_NONE, 0, 0, static_cast<std::uint8_t>(device));
+        }
     }
-    return found;
-}
-
-void X11Events::apply(const ModifierChange& change) {
-    for (const auto& key : change.lifted) fakeOn(key, XCB_INPUT_DEVICE_KEY_RELEASE);
-    lockModifiers(x_, change.unlock, 0);
-    lockModifiers(x_, change.add, change.add);
-}
-
-void X11Events::undo(const ModifierChange& change) {
-    lockModifiers(x_, change.add, 0);
-    lockModifiers(x_, change.unlock, change.unlock);
-    for (const auto& key : change.lifted) fakeOn(key, XCB_INPUT_DEVICE_KEY_PRESS);
-}
-
-// An event of the keyboard that holds the key: its own later release then finds everything as it left it.
-void X11Events::fakeOn(const ModifierChange::Lifted& key, int type) {
-    const int first = x_.extension(xcb_input_id)->first_event;
-    xcb_test_fake_input(x_.get(), static_cast<std::uint8_t>(first + type), key.keycode, XCB_CURRENT_TIME,
-                        XCB_WINDOW_NONE, 0, 0, static_cast<std::uint8_t>(key.device));
 }
 
 bool X11Events::post(const KeyEvent& event) {
@@ -140,7 +116,7 @@ bool X11Events::post(const KeyEvent& event) {
         return true;
     }
     std::uint8_t there = 0;
-    if (hasXInput_) {
+    if (standIns_) {
         auto devices = std::vector<std::uint16_t>{kMasterKeyboard};
         if (const auto keyboards = readKeyboards(x_); keyboards.xtest) devices.push_back(*keyboards.xtest);
         for (const ModifierState& state : modifierStates(x_, devices)) there |= state.effective();

@@ -10,6 +10,7 @@
 #include "base/Outcome.h"
 #include "linux/x11/X11Connection.h"
 #include "linux/x11/X11Modifiers.h"
+#include "linux/x11/X11StandIns.h"
 #include "platform/Events.h"
 
 namespace tarvix {
@@ -28,6 +29,8 @@ public:
     // What the monitor says to a key press; pass where there is none. The monitor may do anything meanwhile, ending the
     // panel's hold of the keyboard included.
     Verdict offer(const KeyEvent& event);
+    // The modifiers that a hand holds while the keyboards are grabbed; null without XInput.
+    X11StandIns* standIns() { return standIns_ ? &*standIns_ : nullptr; }
     // Whether a raw button press, which tells the sequence number of the last request before it, was posted by us. True
     // once for each.
     bool tookOwnPress(std::uint32_t sequence);
@@ -35,23 +38,12 @@ public:
 private:
     X11Events(X11Connection& connection, bool hasXInput);
     unsigned fake(std::uint8_t type, std::uint8_t detail, std::int16_t x = 0, std::int16_t y = 0);
-    // What has to change for a click to carry some modifiers: locks to set, and keys to lift, each on its own keyboard.
-    struct ModifierChange {
-        std::uint8_t add = 0, unlock = 0;
-        struct Lifted {
-            std::uint16_t device;
-            std::uint8_t keycode;
-        };
-        std::vector<Lifted> lifted;
-    };
-    ModifierChange changeFor(const std::optional<std::uint64_t>& flags);
-    std::vector<ModifierChange::Lifted> keysDownWith(std::uint8_t mask, const std::vector<std::uint16_t>& devices);
-    void apply(const ModifierChange& change);
-    void undo(const ModifierChange& change);
-    void fakeOn(const ModifierChange::Lifted& key, int type);
+    // Has the applications see exactly these modifiers. What has been locked for it is returned.
+    std::uint8_t setModifiers(std::uint64_t flags);
+    void liftKeys(std::uint8_t mask, const std::vector<std::uint16_t>& devices);
 
     X11Connection& x_;
-    bool hasXInput_;
+    std::optional<X11StandIns> standIns_;  // with XInput
     X11Modifiers modifiers_;
     std::vector<unsigned> ownPresses_;
     std::shared_ptr<std::function<Verdict(const KeyEvent&)>> monitor_;

@@ -37,7 +37,6 @@ X11Keyboard::X11Keyboard(X11Connection& connection, X11Events& events, bool hasX
       hasXInput_(hasXInput),
       modifiers_(X11Modifiers::read(connection)),
       stacking_(connection) {
-    if (hasXInput_) standIns_.emplace(x_);
     x_.intern({"_NET_ACTIVE_WINDOW"});
     x_.selectOnRoot(XCB_EVENT_MASK_PROPERTY_CHANGE);
     events_ = x_.onEvent([this](const xcb_generic_event_t& event) { return handle(event); });
@@ -47,7 +46,10 @@ X11Keyboard::~X11Keyboard() { releaseKeyboard(); }
 
 bool X11Keyboard::takeKeyboard(std::uint32_t window, std::function<void()> lost) {
     releaseKeyboard();
-    if (standIns_) standIns_->clear();
+    if (X11StandIns* standIns = panelKeys_.standIns()) {
+        standIns->clear();
+        standIns->resume();
+    }
 
     Taken taken;
     taken.panel = window;
@@ -158,7 +160,7 @@ void X11Keyboard::releaseKeyboard() {
         const std::uint8_t changed = taken.locks.locked ^ taken.locksBefore.locked;
         lockModifiers(x_, changed, changed & taken.locks.locked);
         if (taken.locks.lockedGroup != taken.locksBefore.lockedGroup) lockGroup(x_, taken.locks.lockedGroup);
-        standIns_->standIn(modifiers_.four());
+        if (X11StandIns* standIns = panelKeys_.standIns()) standIns->standIn(modifiers_.four());
     }
     x_.flush();
 }
@@ -225,9 +227,7 @@ Handled X11Keyboard::handleKey(const X11KeyEvent& key) {
         taken_->forwarded[key.keycode] = true;
         forward(key);
     }
-    // What a modifier does shows after its event; the other keyboards' keys need it.
-    if (modifiers_.isModifier(key.keycode) && taken_->states.contains(key.device))
-        noteState(key.device, modifierStates(x_, {key.device}).front());
+    noteModifierKey(key);
     return Handled::yes;
 }
 
@@ -261,6 +261,16 @@ void X11Keyboard::noteState(std::uint16_t device, const ModifierState& now) {
     taken_->locks.locked ^= static_cast<std::uint8_t>(last.locked ^ now.locked);
     if (last.lockedGroup != now.lockedGroup) taken_->locks.lockedGroup = now.lockedGroup;
     last = now;
+}
+
+// An event tells the state before it, and the keys of the other keyboards need the one after it. The next event of the
+// same keyboard tells it exactly.
+void X11Keyboard::noteModifierKey(const X11KeyEvent& key) {
+    const auto state = taken_->states.find(key.device);
+    if (state == taken_->states.end()) return;
+    const std::uint8_t own = modifiers_.maskOfKey(key.keycode) & static_cast<std::uint8_t>(~modifiers_.locks());
+    std::uint8_t& held = state->second.held;
+    held = static_cast<std::uint8_t>(key.isPress ? held | own : held & ~own);
 }
 
 void X11Keyboard::noteStates() {

@@ -17,7 +17,6 @@
 #include "linux/x11/X11KeyState.h"
 #include "linux/x11/X11Modifiers.h"
 #include "linux/x11/X11Stacking.h"
-#include "linux/x11/X11StandIns.h"
 #include "platform/Panels.h"
 
 namespace tarvix {
@@ -73,6 +72,7 @@ private:
     void forward(const X11KeyEvent& key);
     std::uint8_t modifiersOf(const X11KeyEvent& key) const;
     void noteState(std::uint16_t device, const ModifierState& now);
+    void noteModifierKey(const X11KeyEvent& key);
     void noteStates();
 
     void keyboardsChanged();
@@ -87,7 +87,6 @@ private:
     bool hasXInput_;
     X11Modifiers modifiers_;
     X11Stacking stacking_;
-    std::optional<X11StandIns> standIns_;
     std::optional<Taken> taken_;
     xcb_window_t focusWindow_ = XCB_WINDOW_NONE;  // gets the keys of the last way; made when first needed
     Subscription events_;

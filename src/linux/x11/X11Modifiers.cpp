@@ -66,8 +66,11 @@ X11Modifiers X11Modifiers::read(X11Connection& connection) {
     return modifiers;
 }
 
-bool X11Modifiers::isModifier(std::uint8_t keycode) const {
-    return std::ranges::any_of(keys, [&](const auto& of) { return std::ranges::count(of, keycode) > 0; });
+std::uint8_t X11Modifiers::maskOfKey(std::uint8_t keycode) const {
+    unsigned mask = 0;
+    for (unsigned bit = 0; bit < keys.size(); ++bit)
+        if (std::ranges::count(keys[bit], keycode) > 0) mask |= 1u << bit;
+    return static_cast<std::uint8_t>(mask);
 }
 
 std::optional<std::uint8_t> X11Modifiers::keyOf(std::uint8_t bit) const {

@@ -21,7 +21,8 @@ struct X11Modifiers {
     // Reads the modifier map. What the map doesn't tell stays at the usual bit.
     static X11Modifiers read(X11Connection& connection);
 
-    bool isModifier(std::uint8_t keycode) const;
+    // The bits that a key sets; 0 for one that is no modifier.
+    std::uint8_t maskOfKey(std::uint8_t keycode) const;
     // A key that sets the modifier of one bit.
     std::optional<std::uint8_t> keyOf(std::uint8_t bit) const;
 

@@ -17,16 +17,23 @@ X11StandIns::X11StandIns(X11Connection& connection) : x_(connection) {
 X11StandIns::~X11StandIns() { clear(); }
 
 void X11StandIns::standIn(std::uint8_t mask) {
+    if (isSuspended_) return;
     const auto keyboards = readKeyboards(x_);
     const std::uint8_t held = modifiersHeldOn(x_, keyboards.all()) & mask;
-    if (held == 0) return;
-    master_ = keyboards.master;
-    selectXInputOnRoot(x_, master_, XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE);
+    if (held != 0 && modifiers_ == 0) {
+        master_ = keyboards.master;
+        selectXInputOnRoot(x_, master_, XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE);
+    }
     set(held);
-    check();  // the hand may have been quicker than the selection
+    if (held != 0) check();  // the hand may have been quicker than the selection
 }
 
 void X11StandIns::clear() { set(0); }
+
+void X11StandIns::suspend() {
+    clear();
+    isSuspended_ = true;
+}
 
 void X11StandIns::check() { set(modifiers_ & modifiersHeldOn(x_, readKeyboards(x_).all())); }
 

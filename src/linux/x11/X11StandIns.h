@@ -8,17 +8,24 @@
 
 namespace tarvix {
 
-// When grabs of single keyboards end, the applications don't know of the modifiers that are held: those keys went down
-// for somebody else. From here on they count as held until the hand lets go of them. Main thread.
+// While keyboards are grabbed one by one, and when these grabs end, the applications don't know of the modifiers that
+// are held: those keys went down for somebody else. A stand-in counts as held for the applications until the hand lets
+// go. Main thread.
 class X11StandIns {
 public:
     // The connection outlives them and has XInput.
     explicit X11StandIns(X11Connection& connection);
     ~X11StandIns();
 
-    // The keyboards have just been given back. Of the modifiers in `mask` those that are held are set.
+    // Of the modifiers in `mask` those that are held now are set, and no others.
     void standIn(std::uint8_t mask);
+    // Ends them all.
     void clear();
+    // Ends them all, and there are none until resume(). A window manager may hold a click back for a moment, and the
+    // application then gets it with the modifiers of that later time; so a click that is to have none needs none for a
+    // while.
+    void suspend();
+    void resume() { isSuspended_ = false; }
 
 private:
     void check();
@@ -27,6 +34,7 @@ private:
     X11Connection& x_;
     std::uint16_t master_ = 0;  // whose raw events are selected
     std::uint8_t modifiers_ = 0;
+    bool isSuspended_ = false;
     Subscription events_;
 };
 

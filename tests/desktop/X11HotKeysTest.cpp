@@ -1,0 +1,202 @@
+#include "linux/x11/X11HotKeys.h"
+#include "tests/desktop/X11Desk.h"
+
+namespace tarvix {
+namespace {
+
+constexpr std::uint32_t kSpace = 49;            // the position of the space key
+constexpr std::uint32_t kShiftCommand = 0x300;  // carbon bits
+constexpr std::uint32_t kId = 7;
+
+class X11HotKeysOnDesktop : public X11Desk {
+protected:
+    void SetUp() override {
+        X11Desk::SetUp();
+        listening_ = hotKeys->onHotKey([this](HotKeyEvent event, std::uint32_t id) {
+            seen.push_back((event == HotKeyEvent::pressed ? "pressed " : "released ") + std::to_string(id));
+        });
+        ASSERT_TRUE(hotKeys->registerHotKey(kId, kSpace, kShiftCommand));
+    }
+
+    void press() {
+        for (const std::uint8_t k : {key::shift, key::super, key::space}) hardware.keyDown(k);
+    }
+    void release() {
+        for (const std::uint8_t k : {key::space, key::super, key::shift}) hardware.keyUp(k);
+    }
+    void pressPosted() {
+        for (const std::uint8_t k : {key::shift, key::super, key::space}) hardware.postedKeyDown(k);
+    }
+    void releasePosted() {
+        for (const std::uint8_t k : {key::space, key::super, key::shift}) hardware.postedKeyUp(k);
+    }
+    Lines takeSeen() {
+        settle();
+        return std::exchange(seen, {});
+    }
+    static bool hasKey(const Lines& log, std::uint8_t keycode) {
+        const std::string number = " " + std::to_string(keycode);
+        for (const std::string& line : log)
+            if (line.find("down" + number) != std::string::npos || line.find("up" + number) != std::string::npos)
+                return true;
+        return false;
+    }
+
+    const Lines once{"pressed 7", "released 7"};
+    Lines seen;
+
+private:
+    Subscription listening_;
+};
+
+TEST_F(X11HotKeysOnDesktop, FiresForKeysOfTheHardwareAndTheApplicationDoesNotGetTheKey) {
+    press();
+    release();
+    EXPECT_EQ(takeSeen(), once);
+    const auto log = application.takeLog();
+    EXPECT_TRUE(hasKey(log, key::shift));
+    EXPECT_FALSE(hasKey(log, key::space));
+}
+
+TEST_F(X11HotKeysOnDesktop, FiresForPostedKeys) {
+    pressPosted();
+    releasePosted();
+    EXPECT_EQ(takeSeen(), once);
+    EXPECT_FALSE(hasKey(application.takeLog(), key::space));
+}
+
+TEST_F(X11HotKeysOnDesktop, FiresWhateverLocksAreOn) {
+    for (const Lines::size_type locks : {1u, 2u, 3u}) {
+        if ((locks & 1) != 0) hardware.tap(key::capsLock);
+        if ((locks & 2) != 0) hardware.tap(key::numLock);
+        press();
+        release();
+        EXPECT_EQ(takeSeen(), once) << "hardware, locks " << locks;
+        pressPosted();
+        releasePosted();
+        EXPECT_EQ(takeSeen(), once) << "posted, locks " << locks;
+        if ((locks & 1) != 0) hardware.tap(key::capsLock);
+        if ((locks & 2) != 0) hardware.tap(key::numLock);
+    }
+}
+
+TEST_F(X11HotKeysOnDesktop, FiresWhileAMenuHoldsTheKeyboard) {
+    ASSERT_TRUE(application.grabKeyboard());
+    press();
+    release();
+    EXPECT_EQ(takeSeen(), once);
+    pressPosted();
+    releasePosted();
+    EXPECT_EQ(takeSeen(), once);
+    EXPECT_FALSE(hasKey(application.takeLog(), key::space));
+    application.ungrabKeyboard();
+}
+
+TEST_F(X11HotKeysOnDesktop, DoesNotFireWithOtherModifiers) {
+    hardware.tap(key::space);
+    hardware.keyDown(key::control);
+    press();
+    release();
+    hardware.keyUp(key::control);
+    EXPECT_EQ(takeSeen(), Lines{});
+    EXPECT_TRUE(hasKey(application.takeLog(), key::space));
+}
+
+TEST_F(X11HotKeysOnDesktop, AHeldKeyIsPressedOnce) {
+    press();
+    EXPECT_TRUE(loop.runUntil([&] { return repeats >= 3; }));
+    release();
+    EXPECT_EQ(takeSeen(), once);
+}
+
+TEST_F(X11HotKeysOnDesktop, ModifiersThatGoUpBeforeTheKeyDoNotStick) {
+    press();
+    for (const std::uint8_t k : {key::super, key::shift, key::space}) hardware.keyUp(k);
+    EXPECT_EQ(takeSeen(), once);
+    EXPECT_TRUE(keysDownForApplications(*connection).none());
+    application.takeLog();
+    hardware.tap(key::a);
+    EXPECT_EQ(application.takeLog(), (Lines{"key down 38", "key up 38"}));
+}
+
+TEST_F(X11HotKeysOnDesktop, AKeyThatAnotherProgramHoldsIsRefused) {
+    auto other = std::move(X11Connection::open().value());
+    // By the whole keyboard, as most programs do it.
+    ASSERT_EQ(other->errorOf(xcb_grab_key_checked(other->get(), 0, other->root(), mask::control, key::space,
+                                                  XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC)),
+              0);
+    EXPECT_FALSE(hotKeys->registerHotKey(8, kSpace, 0x1000));
+    // Nothing is left of the attempt: when the other one lets go, it can be had.
+    xcb_ungrab_key(other->get(), key::space, other->root(), mask::control);
+    other->sync();
+    EXPECT_TRUE(hotKeys->registerHotKey(8, kSpace, 0x1000));
+
+    auto hotKeysOfOther = std::move(X11HotKeys::open(*other).value());
+    EXPECT_FALSE(hotKeysOfOther->registerHotKey(1, kSpace, kShiftCommand));
+    EXPECT_TRUE(hotKeysOfOther->registerHotKey(1, kSpace, 0x800));
+    EXPECT_FALSE(hotKeys->registerHotKey(9, kSpace, 0x800));
+}
+
+TEST_F(X11HotKeysOnDesktop, OneKeyboardHeldByAnotherProgramIsEnoughToRefuse) {
+    auto other = std::move(X11Connection::open().value());
+    ASSERT_TRUE(startXInput(*other));
+    const std::uint32_t keys = XCB_INPUT_XI_EVENT_MASK_KEY_PRESS, modifiers = mask::alt;
+    const auto grabbed = other->reply<xcb_input_xi_passive_grab_device_reply>(xcb_input_xi_passive_grab_device(
+        other->get(), XCB_CURRENT_TIME, other->root(), XCB_NONE, key::space, hardware.keyboard(), 1, 1,
+        XCB_INPUT_GRAB_TYPE_KEYCODE, XCB_INPUT_GRAB_MODE_22_ASYNC, XCB_INPUT_GRAB_MODE_22_ASYNC, 0, &keys, &modifiers));
+    ASSERT_TRUE(grabbed && grabbed->num_modifiers == 0);
+    EXPECT_FALSE(hotKeys->registerHotKey(8, kSpace, 0x800));
+    hardware.keyDown(key::alt);
+    hardware.postedTap(key::space);
+    hardware.keyUp(key::alt);
+    EXPECT_EQ(takeSeen(), Lines{});
+}
+
+TEST_F(X11HotKeysOnDesktop, UnregisteredItGoesToTheApplicationAgain) {
+    hotKeys->unregisterHotKey(kId);
+    press();
+    release();
+    EXPECT_EQ(takeSeen(), Lines{});
+    EXPECT_TRUE(hasKey(application.takeLog(), key::space));
+    EXPECT_TRUE(hotKeys->registerHotKey(kId, kSpace, kShiftCommand));
+}
+
+TEST_F(X11HotKeysOnDesktop, APositionWithoutAKeyIsRefused) {
+    EXPECT_FALSE(hotKeys->registerHotKey(8, 0xffff, kShiftCommand));
+}
+
+TEST_F(X11HotKeysOnDesktop, FiresWhileThePanelHasTheKeyboardAndThePanelDoesNotGetTheKey) {
+    press();
+    ASSERT_TRUE(take());
+    release();
+    EXPECT_EQ(takeSeen(), once);
+    hardware.tap(key::a);
+    EXPECT_EQ(takePanelKeys(), (Lines{"key down 38", "key up 38"}));
+    press();
+    EXPECT_EQ(takeSeen(), Lines{"pressed 7"});
+    EXPECT_FALSE(hasKey(takePanelKeys(), key::space));
+    keyboard->releaseKeyboard();
+    release();
+    settle();
+    application.takeLog();
+    hardware.tap(key::a);
+    EXPECT_EQ(application.takeLog(), (Lines{"key down 38", "key up 38"}));
+}
+
+TEST_F(X11HotKeysOnDesktop, KeysTypedRightAfterItAreThePanels) {
+    // Typed before the press has been handled at all: the keyboard is ours from the press on.
+    const auto opening = hotKeys->onHotKey([this](HotKeyEvent event, std::uint32_t) {
+        if (event == HotKeyEvent::pressed) keyboard->takeKeyboard(panel.window(), [] {});
+    });
+    press();
+    hardware.keyUp(key::shift);
+    hardware.keyUp(key::super);
+    hardware.tap(key::a);
+    hardware.keyUp(key::space);
+    EXPECT_EQ(takePanelKeys(), (Lines{"key down 38", "key up 38"}));
+    EXPECT_EQ(takeSeen(), once);
+    EXPECT_FALSE(hasKey(application.takeLog(), key::a));
+}
+
+}  // namespace
+}  // namespace tarvix
