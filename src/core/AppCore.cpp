@@ -1,0 +1,46 @@
+#include "core/AppCore.h"
+
+#include "platform/Milestones.h"
+#include "platform/UserDefaults.h"
+
+namespace tarvix {
+
+AppCore::AppCore(const Platform& platform) : platform_(platform), preloading_(platform.runLoop, platform.milestones) {}
+
+AppCore::~AppCore() = default;
+
+void AppCore::start() {
+    removeOldSettings();
+    makeServices();
+    bringUpShortcut();
+    localMonitorController_->installLocalMonitor();
+    platform_.milestones.reached(milestone::ready, 0);
+}
+
+// Nothing reads them any more.
+void AppCore::removeOldSettings() {
+    for (const std::string_view key : {"searchCase", "inputWidth"})
+        if (platform_.userDefaults.get(key)) platform_.userDefaults.remove(key);
+}
+
+void AppCore::makeServices() {
+    if (tarvixEngine_) return;
+    sauce_ = std::make_unique<Sauce>(platform_.inputSources);
+    displayEngine_ = std::make_unique<DisplayEngine>(platform_);
+    tarvixEngine_ =
+        std::make_unique<TarvixEngine>(platform_, std::make_shared<SearchEngine>(platform_), *displayEngine_);
+    theInput_ = std::make_unique<TheInput>(platform_, *displayEngine_, *tarvixEngine_, *sauce_);
+    keyboardShortcuts_ = std::make_unique<KeyboardShortcuts>(platform_.userDefaults, platform_.hotKeys);
+    keyboardShortcuts_->define(toggleWith);
+    localMonitorController_ =
+        std::make_unique<LocalMonitorController>(platform_.events, *sauce_, *tarvixEngine_, *theInput_, preloading_);
+}
+
+// The handlers go first, so that a second start doesn't leave two of them.
+void AppCore::bringUpShortcut() {
+    keyboardShortcuts_->setEnabled(true);
+    keyboardShortcuts_->removeAllHandlers();
+    keyboardShortcuts_->onKeyDown(toggleWith, [this] { toggleTheInput(*tarvixEngine_, *theInput_, preloading_); });
+}
+
+}  // namespace tarvix

@@ -1,0 +1,49 @@
+// The objects of the running program.
+#pragma once
+
+#include <memory>
+
+#include "KeyboardShortcuts/KeyboardShortcuts.h"
+#include "core/LocalMonitorController.h"
+#include "core/Preloading.h"
+#include "core/TarvixEngine.h"
+#include "display/DisplayEngine.h"
+#include "display/TheInput.h"
+#include "keys/Sauce.h"
+#include "platform/Platform.h"
+
+namespace tarvix {
+
+// Owns the services that live as long as the program. Main thread; the platform outlives it.
+class AppCore {
+public:
+    explicit AppCore(const Platform& platform);
+    ~AppCore();
+    AppCore(const AppCore&) = delete;
+    AppCore& operator=(const AppCore&) = delete;
+
+    // Makes what isn't there yet and brings the shortcut and the key monitor to life. May run many times.
+    void start();
+
+    // Once start() has run.
+    TarvixEngine& tarvixEngine() { return *tarvixEngine_; }
+    TheInput& theInput() { return *theInput_; }
+    LocalMonitorController& localMonitorController() { return *localMonitorController_; }
+    KeyboardShortcuts& keyboardShortcuts() { return *keyboardShortcuts_; }
+
+private:
+    void removeOldSettings();
+    void makeServices();
+    void bringUpShortcut();
+
+    Platform platform_;
+    Preloading preloading_;
+    std::unique_ptr<Sauce> sauce_;
+    std::unique_ptr<DisplayEngine> displayEngine_;
+    std::unique_ptr<TarvixEngine> tarvixEngine_;
+    std::unique_ptr<TheInput> theInput_;
+    std::unique_ptr<KeyboardShortcuts> keyboardShortcuts_;
+    std::unique_ptr<LocalMonitorController> localMonitorController_;
+};
+
+}  // namespace tarvix
