@@ -1,6 +1,8 @@
 #include "linux/atspi/Seed.h"
 
+#include <algorithm>
 #include <cstring>
+#include <numeric>
 #include <string_view>
 
 #include "linux/atspi/Replies.h"
@@ -30,7 +32,9 @@ bool readItem(sd_bus_message* m, Seed& seed) {
     entry.childCount = count;
     entry.name = bounded(name, kLongestName);
     entry.description = bounded(description, kLongestName);
-    seed[parent].children.push_back({bus, path});
+    SeedItem& above = seed[parent];
+    above.children.push_back({bus, path});
+    above.places.push_back(index);
     return true;
 }
 
@@ -70,6 +74,19 @@ bool readTreeEntry(sd_bus_message* m, Seed& seed) {
     return true;
 }
 
+// The reply has no order of its own; the index has, but for some children (menu items of GTK 3) it is -1. Those stay as
+// they came.
+void sortChildren(SeedItem& item) {
+    if (std::any_of(item.places.begin(), item.places.end(), [](std::int32_t place) { return place < 0; })) return;
+    std::vector<std::size_t> order(item.children.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::stable_sort(order.begin(), order.end(),
+                     [&](std::size_t a, std::size_t b) { return item.places[a] < item.places[b]; });
+    std::vector<Reference> sorted;
+    for (const std::size_t at : order) sorted.push_back(std::move(item.children[at]));
+    item.children = std::move(sorted);
+}
+
 }  // namespace
 
 Seed readItems(sd_bus_message* reply) {
@@ -78,6 +95,7 @@ Seed readItems(sd_bus_message* reply) {
     const Inside array(reply, 'a', "((so)(so)(so)iiassusau)");
     while (array && readItem(reply, seed)) {
     }
+    for (auto& entry : seed) sortChildren(entry.second);
     return seed;
 }
 

@@ -20,7 +20,8 @@ struct SeedItem {
     std::uint32_t interfaces = 0;
     std::int32_t childCount = 0;
     std::string name, description;
-    std::vector<Reference> children;  // those that the reply holds, in its order
+    std::vector<Reference> children;   // those that the reply holds, in the application's order
+    std::vector<std::int32_t> places;  // their indices in their parent, as the reply came
 
     bool hasTree = false;  // the fields below are known
     std::string identifier;

@@ -93,8 +93,8 @@ TreeFetch::TreeFetch(Pipeline& pipeline, const Application& application, bool di
       roleWords_(std::move(roleWords)),
       paddings_(std::move(paddings)) {}
 
-void TreeFetch::run(const Reference& frame) {
-    if (manner_.hasItems) askSeed(frame);
+void TreeFetch::run(const Reference& frame, Bulk bulk) {
+    if (manner_.hasItems && bulk == Bulk::allowed) askSeed(frame);
     visit(add(frame, -1, visible_, Kind::ordinary));
     pipeline_.run();
     if (tree_.empty()) return;

@@ -40,7 +40,8 @@ public:
     // Visits everything that shows below the frame and returns when it has arrived or the pipeline's deadline has
     // passed; what has arrived until then stands. A reference that was met before is not visited again, so that a tree
     // that lists an ancestor among its children, or one child twice, ends.
-    void run(const Reference& frame);
+    enum class Bulk : std::uint8_t { allowed, never };
+    void run(const Reference& frame, Bulk bulk = Bulk::allowed);
 
     NodeTree takeTree() { return std::move(tree_); }
     const NodeTree& tree() const { return tree_; }

@@ -122,7 +122,7 @@ private:
             result.placement = place(application_.toolkit, window_, frame->box);
             TreeFetch tree(pipeline, application_, lease.direct(), result.placement, window_.visible(),
                            applications_.roleWords(application_.bus), applications_.paddings(application_.bus));
-            tree.run(frame->reference);
+            tree.run(frame->reference, options_.bulk ? TreeFetch::Bulk::allowed : TreeFetch::Bulk::never);
             applications_.keepRoleWords(application_.bus, tree.roleWords());
             applications_.keepPaddings(application_.bus, tree.paddings());
             result.nodes = tree.takeTree();

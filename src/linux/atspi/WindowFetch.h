@@ -21,6 +21,7 @@ struct WindowTree {
 struct FetchOptions {
     Pipeline::Mode mode = Pipeline::Mode::pipelined;
     bool overBus = false;  // never the application's own socket
+    bool bulk = true;      // all objects in one call where the toolkit can; else each by itself
     bool record = false;
     Milliseconds limit{1500};
 };
