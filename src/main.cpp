@@ -1,1 +1,132 @@
-int main() { return 0; }
+// The program: the one place that knows which implementations run.
+#include <QApplication>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <optional>
+#include <string_view>
+
+#include "core/AppCore.h"
+#include "linux/atspi/AtspiService.h"
+#include "linux/x11/X11Connection.h"
+#include "linux/x11/X11Events.h"
+#include "linux/x11/X11HotKeys.h"
+#include "linux/x11/X11InputSources.h"
+#include "linux/x11/X11Keyboard.h"
+#include "linux/x11/X11Screens.h"
+#include "linux/x11/X11WindowServer.h"
+#include "linux/x11/X11Windows.h"
+#include "linux/x11/X11Workspace.h"
+#include "platform/Platform.h"
+#include "qt/MilestoneFile.h"
+#include "qt/QtNotificationCenter.h"
+#include "qt/QtPanels.h"
+#include "qt/QtPasteboard.h"
+#include "qt/QtRunLoop.h"
+#include "qt/QtUserDefaults.h"
+#include "qt/TerminationSignals.h"
+
+using namespace tarvix;
+
+namespace {
+
+constexpr int kFailure = 1;
+constexpr int kWrongUse = 2;
+
+constexpr const char* kHelp =
+    "Usage: tarvix [--help | --version]\n"
+    "\n"
+    "Reaches and operates any visible control of the frontmost application from the keyboard.\n"
+    "It stays in the background; Shift+Super+Space brings up The Input.\n"
+    "\n"
+    "  --help     print this text and end\n"
+    "  --version  print the version and end\n"
+    "\n"
+    "Environment:\n"
+    "  TARVIX_MILESTONES  a file that gets a line with the time of each moment of a search\n";
+
+// The exit status where the command line is all there is to answer.
+std::optional<int> answerCommandLine(int count, char** arguments) {
+    if (count < 2) return std::nullopt;
+    const std::string_view option = arguments[1];
+    if (option == "--version") {
+        std::puts("tarvix " TARVIX_VERSION);
+        return EXIT_SUCCESS;
+    }
+    if (option == "--help") {
+        std::fputs(kHelp, stdout);
+        return EXIT_SUCCESS;
+    }
+    std::fprintf(stderr, "tarvix: unknown argument '%s'; try 'tarvix --help'\n", arguments[1]);
+    return kWrongUse;
+}
+
+// One unit of ours is one pixel of the root window: markers stand on pixels of other programs. The desktop's scale goes
+// into the fonts alone.
+void keepToPixels() {
+    if (!qEnvironmentVariableIsSet("QT_ENABLE_HIGHDPI_SCALING")) qputenv("QT_ENABLE_HIGHDPI_SCALING", "0");
+    qunsetenv("QT_SCALE_FACTOR");
+    qunsetenv("QT_SCREEN_SCALE_FACTORS");
+    qputenv("QT_QPA_PLATFORM", "xcb");
+}
+
+// A service that there is no program without.
+template <class Service>
+std::unique_ptr<Service> require(Outcome<std::unique_ptr<Service>> service) {
+    if (service) return std::move(service.value());
+    std::fprintf(stderr, "tarvix: %s\n", service.reason().c_str());
+    std::exit(kFailure);
+}
+
+int run(std::unique_ptr<X11Windows> windows) {
+    QtRunLoop runLoop;
+    MilestoneFile milestones(qEnvironmentVariable("TARVIX_MILESTONES").toStdString());
+    QtUserDefaults userDefaults(QtUserDefaults::standardPath());
+    QtPasteboard pasteboard;
+    QtNotificationCenter notificationCenter;
+
+    const auto connection = require(X11Connection::open());
+    const auto events = require(X11Events::open(*connection));
+    const auto hotKeys = require(X11HotKeys::open(*connection));
+    const auto keyboard = require(X11Keyboard::open(*connection, *events));
+    const auto inputSources = require(X11InputSources::open(runLoop));
+    const auto screens = require(X11Screens::open(*connection));
+    const auto windowServer = require(X11WindowServer::open(*windows));
+    const auto workspace = require(X11Workspace::open(*connection, *windows));
+    const auto accessibility = require(AtspiService::open(*windows));
+    QtPanels panels({*keyboard, *screens, milestones});
+    connection->watch(runLoop);
+    const Subscription hotKeyPressed = hotKeys->onHotKey([&](HotKeyEvent event, std::uint32_t) {
+        if (event == HotKeyEvent::pressed) milestones.reached(milestone::hotKeyPressed, 0);
+    });
+
+    const Platform platform{*accessibility, *workspace,         *windowServer, *screens, *events,
+                            *hotKeys,       *inputSources,      panels,        runLoop,  userDefaults,
+                            pasteboard,     notificationCenter, milestones};
+    AppCore core(platform);
+    if (!accessibility->isTrusted()) accessibility->askForTrust();
+    core.start();
+
+    const Subscription termination = onTerminationSignal(runLoop, [&core] {
+        core.theInput().close();  // gives the keyboard back before anything is waited for
+        QCoreApplication::quit();
+    });
+    const int status = QCoreApplication::exec();
+    runLoop.waitForBodies();
+    return status;
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+    if (const auto status = answerCommandLine(count, arguments)) return *status;
+    // Asked before Qt, which ends the process with a long text where there is no display.
+    auto windows = require(X11Windows::open());
+    keepToPixels();
+    QApplication application(count, arguments);
+    QApplication::setApplicationName("tarvix");
+    QApplication::setApplicationDisplayName("Tarvix");
+    QApplication::setDesktopFileName("tarvix");
+    QApplication::setQuitOnLastWindowClosed(false);
+    return run(std::move(windows));
+}
