@@ -66,10 +66,11 @@ protected:
         EXPECT_EQ(modifierStates(*connection, {kMasterKeyboard}).front().effective(), 0);
     }
 
-    // Has everything that was sent to us so far handled.
+    // Has everything that was sent to us so far handled, and what we sent because of it.
     void settle() {
         connection->sync();
         loop.runPending();
+        connection->sync();
     }
 
     bool take() {

@@ -59,7 +59,10 @@ public:
         if (!hasWindowManager(*x_)) return activeByFocus();
         const auto active = x_->items(x_->root(), "_NET_ACTIVE_WINDOW");
         if (active.empty() || active.front() == XCB_WINDOW_NONE) return std::nullopt;
-        return readOne(active.front());
+        // A window manager may go on naming a window that has been withdrawn.
+        auto seen = take(ask(active.front()));
+        if (!seen || !seen->isViewable) return std::nullopt;
+        return std::move(seen->window);
     }
 
     std::optional<X11Window> window(std::uint32_t number) override {
