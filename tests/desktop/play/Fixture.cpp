@@ -52,7 +52,8 @@ bool Fixture::isReady(std::chrono::milliseconds limit) {
 
 std::vector<KnownControl> Fixture::controls() const {
     std::vector<KnownControl> controls;
-    for (const auto& told : report(folder_)["controls"])
+    const nlohmann::json whole = report(folder_);
+    for (const auto& told : whole["controls"])
         controls.push_back({told["name"], told["kind"], AxRect{{told["x"], told["y"]}, {told["width"], told["height"]}},
                             visibility(told["visible"]), told["clickable"]});
     return controls;

@@ -117,7 +117,8 @@ private:
         std::vector<Button> found;
         const auto told = outputOf({tools_ + "/app-state", std::to_string(pid_)});
         if (!told) return found;
-        for (const auto& button : nlohmann::json::parse(*told))
+        const nlohmann::json all = nlohmann::json::parse(*told);
+        for (const auto& button : all)
             found.push_back({button["role"], button["name"], button["x"], button["y"], button["width"],
                              button["height"], button["on"]});
         return found;

@@ -1,0 +1,210 @@
+// The real program, from the hot key to the click, on real applications.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+
+#include <algorithm>
+#include <chrono>
+
+#include "tests/desktop/play/Await.h"
+#include "tests/desktop/play/Fixture.h"
+#include "tests/desktop/play/Keyboard.h"
+#include "tests/desktop/play/Program.h"
+
+namespace tarvix {
+namespace {
+
+using namespace std::chrono_literals;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+constexpr double escapeLimit = 100;  // milliseconds
+
+class SearchTest : public ::testing::Test {
+protected:
+    // Starts a fixture. The pointer goes into its window, since without a window manager that alone gives it the
+    // keyboard.
+    void play(const std::string& script) {
+        fixture_.emplace(script);
+        ASSERT_TRUE(fixture_->isReady()) << script;
+        keyboard_.movePointer(inWindow());
+    }
+
+    void startProgram() {
+        program_.emplace(TARVIX_PROGRAM);
+        ASSERT_TRUE(program_->isReady());
+    }
+
+    // Somewhere in the fixture's window where no control takes clicks.
+    ScreenPoint inWindow() const {
+        const KnownControl label = known("Nettle");
+        return {static_cast<int>(label.frame.origin.x) + 3, static_cast<int>(label.frame.origin.y) + 3};
+    }
+
+    KnownControl known(const std::string& name) const {
+        const auto controls = fixture_->controls();
+        const auto found = std::find_if(controls.begin(), controls.end(),
+                                        [&](const KnownControl& control) { return control.name == name; });
+        EXPECT_NE(found, controls.end()) << name;
+        return found == controls.end() ? KnownControl{} : *found;
+    }
+
+    // Hot key, all candidates, a query with its markers.
+    void search(const std::string& query) {
+        const Program::Step opened = program_->pressHotKey(keyboard_);
+        ASSERT_TRUE(opened);
+        ASSERT_TRUE(program_->reached(milestone::candidatesRead, opened.pressed));
+        const Program::Step typed = program_->type(keyboard_, query);
+        ASSERT_TRUE(typed);
+        ASSERT_GT(typed.answered->count, 0u);
+    }
+
+    void confirm() { ASSERT_TRUE(program_->press(keyboard_, keysym::returnKey, milestone::inputHidden)); }
+
+    void expectOneClick(const FixtureClick& wanted) {
+        await(3s, [&] { return !fixture_->clicks().empty(); });
+        EXPECT_THAT(fixture_->clicks(), ElementsAre(wanted));
+    }
+
+    // Opens The Input, types into it and closes it with Escape, in time.
+    void openAndEscape() {
+        const Program::Step opened = program_->pressHotKey(keyboard_);
+        ASSERT_TRUE(opened);
+        const std::int64_t typing = monotonicMicroseconds();
+        keyboard_.type("x");
+        ASSERT_TRUE(program_->reached(milestone::textChanged, typing));
+        const Program::Step closed = program_->press(keyboard_, keysym::escape, milestone::inputHidden);
+        ASSERT_TRUE(closed);
+        EXPECT_LE(closed.milliseconds(), escapeLimit);
+    }
+
+    // Whether a key reaches the fixture, and it alone.
+    bool keysReachTheFixture() {
+        const std::string before = fixture_->keys();
+        const auto marks = program_ ? program_->log().all().size() : 0;
+        keyboard_.type("z");
+        const bool arrived = await(3s, [&] { return fixture_->keys() == before + "z"; });
+        return arrived && (!program_ || program_->log().all().size() == marks);
+    }
+
+    Keyboard keyboard_;
+    std::optional<Fixture> fixture_;
+    std::optional<Program> program_;
+};
+
+// On the ordinary desktop ---------------------------------------------------------------------------------------------
+
+TEST_F(SearchTest, ReturnClicksTheOneControlThatWasNamedInGtk3) {
+    play("gtk3.py");
+    startProgram();
+    search("elder");
+    confirm();
+    expectOneClick({"Elder", 1, 1, ""});
+}
+
+TEST_F(SearchTest, ReturnClicksTheOneControlThatWasNamedInQt6) {
+    play("qt6.py");
+    startProgram();
+    search("elder");
+    confirm();
+    expectOneClick({"Elder", 1, 1, ""});
+}
+
+TEST_F(SearchTest, DownGoesToTheNextTargetAndReturnClicksThat) {
+    play("gtk3.py");
+    startProgram();
+    search("moss");
+    ASSERT_TRUE(program_->press(keyboard_, keysym::down, milestone::markersDrawn));
+    confirm();
+    expectOneClick({"Moss 02", 1, 1, ""});
+}
+
+TEST_F(SearchTest, TwoSearchesInARowClickTwice) {
+    play("gtk3.py");
+    startProgram();
+    for (const auto* query : {"dogwood", "fennel"}) {
+        search(query);
+        confirm();
+    }
+    EXPECT_TRUE(await(3s, [&] { return fixture_->clicks().size() == 2; }));
+    EXPECT_THAT(fixture_->clicks(), ElementsAre(FixtureClick{"Dogwood", 1, 1, ""}, FixtureClick{"Fennel", 1, 1, ""}));
+}
+
+TEST_F(SearchTest, TheApplicationGetsNoKeyOfASearch) {
+    play("gtk3.py");
+    startProgram();
+    const std::string before = fixture_->keys();
+    openAndEscape();
+    EXPECT_TRUE(keysReachTheFixture());
+    // The hot key's modifiers go to whoever has the keyboard, as those of any global shortcut do.
+    EXPECT_THAT(fixture_->keys().substr(before.size()), ::testing::Not(::testing::HasSubstr("x")));
+    EXPECT_THAT(fixture_->keys().substr(before.size()), ::testing::Not(::testing::HasSubstr("Escape")));
+    EXPECT_THAT(fixture_->clicks(), IsEmpty());
+}
+
+TEST_F(SearchTest, WithoutAnyWindowTheInputOpensAndEscapeClosesIt) {
+    startProgram();
+    openAndEscape();
+}
+
+TEST_F(SearchTest, AnApplicationThatDoesNotAnswerHoldsNothingUp) {
+    play("gtk3.py");
+    startProgram();
+    fixture_->process().send(SIGSTOP);
+    openAndEscape();
+    openAndEscape();
+    fixture_->process().send(SIGCONT);
+    EXPECT_TRUE(keysReachTheFixture());
+}
+
+TEST_F(SearchTest, AnApplicationThatDiesDuringASearchHoldsNothingUp) {
+    play("gtk3.py");
+    startProgram();
+    search("moss");
+    fixture_->process().send(SIGKILL);
+    fixture_->process().waitForEnd(3s);
+    // Its window goes, and with that The Input may have closed by itself already.
+    keyboard_.chord({keysym::escape});
+    EXPECT_TRUE(program_->reached(milestone::inputHidden, 0));
+    openAndEscape();
+}
+
+TEST_F(SearchTest, AKilledProgramLeavesNoKeyBehind) {
+    play("gtk3.py");
+    startProgram();
+    search("elder");
+    program_->process().send(SIGKILL);
+    ASSERT_TRUE(program_->process().waitForEnd(3s));
+    program_.reset();
+    EXPECT_TRUE(keysReachTheFixture());
+    EXPECT_THAT(fixture_->clicks(), IsEmpty());
+}
+
+// On any desktop, whatever is missing ---------------------------------------------------------------------------------
+
+using BareDesktopTest = SearchTest;
+
+TEST_F(BareDesktopTest, TheInputOpensAndEscapeGivesTheKeysBack) {
+    play("gtk3.py");
+    startProgram();
+    openAndEscape();
+    EXPECT_TRUE(keysReachTheFixture());
+    openAndEscape();
+    EXPECT_TRUE(keysReachTheFixture());
+}
+
+// On any desktop with an accessibility bus ----------------------------------------------------------------------------
+
+using LeanDesktopTest = SearchTest;
+
+TEST_F(LeanDesktopTest, ReturnClicksTheOneControlThatWasNamed) {
+    play("gtk3.py");
+    startProgram();
+    search("elder");
+    confirm();
+    expectOneClick({"Elder", 1, 1, ""});
+    EXPECT_TRUE(keysReachTheFixture());
+}
+
+}  // namespace
+}  // namespace tarvix
