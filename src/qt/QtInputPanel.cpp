@@ -134,7 +134,7 @@ protected:
     }
 
     void changeEvent(QEvent* event) override {
-        if (event->type() == QEvent::ApplicationPaletteChange) adoptAppearance();
+        if (event->type() == QEvent::PaletteChange) adoptAppearance();
         QWidget::changeEvent(event);
     }
 

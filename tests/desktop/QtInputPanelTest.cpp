@@ -237,6 +237,25 @@ TEST_F(QtInputPanelTest, TheSpinnerShowsWhileProgressDoes) {
     EXPECT_EQ(window()->grab().toImage().size(), idle.size());
 }
 
+TEST_F(QtInputPanelTest, TheGroundFollowsTheAppearanceWhileThePanelStands) {
+    show();
+    const auto ground = [] {
+        const QImage painted = window()->grab().toImage();
+        return painted.pixelColor(painted.width() - 8, painted.height() / 2);
+    };
+    EXPECT_GT(ground().lightness(), 200);
+    EXPECT_NEAR(ground().alphaF(), windowing.composited ? 0.9 : 1.0, 0.01);
+    const QPalette light = QGuiApplication::palette();
+    QPalette dark = light;
+    dark.setColor(QPalette::Window, QColor(30, 30, 30));
+    dark.setColor(QPalette::WindowText, QColor(240, 240, 240));
+    QApplication::setPalette(dark);
+    EXPECT_TRUE(runUntil([&] { return ground().lightness() < 50; }));
+    EXPECT_EQ(field()->palette().color(QPalette::Text), QColor(Qt::white));
+    QApplication::setPalette(light);
+    EXPECT_TRUE(runUntil([&] { return ground().lightness() > 200; }));
+}
+
 TEST_F(QtInputPanelTest, WithoutACompositorTheCornersAreNotCovered) {
     windowing.composited = false;
     show();
