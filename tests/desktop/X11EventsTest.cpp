@@ -68,10 +68,10 @@ TEST_F(X11EventsOnDesktop, APointThatIsNowherePostsNothing) {
 }
 
 TEST_F(X11EventsOnDesktop, ModifiersThatAreHeldStayInEffect) {
-    hardware.keyDown(key::alt);
+    hardware.keyDown(key::control);
     click({150, 150});
-    hardware.keyUp(key::alt);
-    EXPECT_EQ(takeButtons(2), (Lines{"button down 1 with 8", "button up 1 with 8"}));
+    hardware.keyUp(key::control);
+    EXPECT_EQ(takeButtons(2), (Lines{"button down 1 with 4", "button up 1 with 4"}));
 }
 
 TEST_F(X11EventsOnDesktop, ModifiersThatAreHeldStayInEffectWhileThePanelHasTheKeyboard) {
@@ -134,10 +134,11 @@ TEST_F(X11EventsOnDesktop, AClickKeepsWhatIsHeldThoughThePanelGivesTheKeyboardBa
 }
 
 TEST_F(X11EventsOnDesktop, GivenFlagsAreSetForTheClickAlone) {
-    click({150, 150}, eventFlag::command | eventFlag::option);
-    EXPECT_EQ(takeButtons(2), (Lines{"button down 1 with 72", "button up 1 with 72"}));
-    click({150, 150});
-    EXPECT_EQ(takeButtons(2), (Lines{"button down 1", "button up 1"}));
+    // On a popup, since a window manager that looks at a click first may pass it on when the flags are gone.
+    click({650, 110}, eventFlag::control | eventFlag::shift);
+    EXPECT_EQ(panel.takeLog(), (Lines{"button down 1 with 5", "button up 1 with 5"}));
+    click({650, 110});
+    EXPECT_EQ(panel.takeLog(), (Lines{"button down 1", "button up 1"}));
 }
 
 TEST_F(X11EventsOnDesktop, AClickReachesAnApplicationThatHoldsTheKeyboard) {

@@ -6,6 +6,7 @@ namespace {
 
 constexpr std::uint32_t kSpace = 49;            // the position of the space key
 constexpr std::uint32_t kShiftCommand = 0x300;  // carbon bits
+constexpr std::uint32_t kControlShift = 0x1200;
 constexpr std::uint32_t kId = 7;
 
 class X11HotKeysOnDesktop : public X11Desk {
@@ -133,22 +134,24 @@ TEST_F(X11HotKeysOnDesktop, AKeyThatAnotherProgramHoldsIsRefused) {
 
     auto hotKeysOfOther = std::move(X11HotKeys::open(*other).value());
     EXPECT_FALSE(hotKeysOfOther->registerHotKey(1, kSpace, kShiftCommand));
-    EXPECT_TRUE(hotKeysOfOther->registerHotKey(1, kSpace, 0x800));
-    EXPECT_FALSE(hotKeys->registerHotKey(9, kSpace, 0x800));
+    EXPECT_TRUE(hotKeysOfOther->registerHotKey(1, kSpace, kControlShift));
+    EXPECT_FALSE(hotKeys->registerHotKey(9, kSpace, kControlShift));
 }
 
 TEST_F(X11HotKeysOnDesktop, OneKeyboardHeldByAnotherProgramIsEnoughToRefuse) {
     auto other = std::move(X11Connection::open().value());
     ASSERT_TRUE(startXInput(*other));
-    const std::uint32_t keys = XCB_INPUT_XI_EVENT_MASK_KEY_PRESS, modifiers = mask::alt;
+    const std::uint32_t keys = XCB_INPUT_XI_EVENT_MASK_KEY_PRESS, modifiers = mask::control | mask::shift;
     const auto grabbed = other->reply<xcb_input_xi_passive_grab_device_reply>(xcb_input_xi_passive_grab_device(
         other->get(), XCB_CURRENT_TIME, other->root(), XCB_NONE, key::space, hardware.keyboard(), 1, 1,
         XCB_INPUT_GRAB_TYPE_KEYCODE, XCB_INPUT_GRAB_MODE_22_ASYNC, XCB_INPUT_GRAB_MODE_22_ASYNC, 0, &keys, &modifiers));
     ASSERT_TRUE(grabbed && grabbed->num_modifiers == 0);
-    EXPECT_FALSE(hotKeys->registerHotKey(8, kSpace, 0x800));
-    hardware.keyDown(key::alt);
+    EXPECT_FALSE(hotKeys->registerHotKey(8, kSpace, kControlShift));
+    hardware.keyDown(key::control);
+    hardware.keyDown(key::shift);
     hardware.postedTap(key::space);
-    hardware.keyUp(key::alt);
+    hardware.keyUp(key::shift);
+    hardware.keyUp(key::control);
     EXPECT_EQ(takeSeen(), Lines{});
 }
 

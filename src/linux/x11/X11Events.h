@@ -16,7 +16,8 @@
 namespace tarvix {
 
 // Main thread. Nothing is posted into windows, everything as if it came from the hardware: it goes through grabs and
-// menus as a hand's click does, and below click-through panels.
+// menus as a hand's click does, and below click-through panels. A window manager that looks at a click first may pass
+// it on without flags that were given for it and that no hand holds.
 class X11Events final : public Events {
 public:
     // The connection outlives the events.
