@@ -33,6 +33,17 @@ std::shared_ptr<AtspiElement> identity(AtspiElement::Kind kind, std::int32_t pid
     return made;
 }
 
+// All of them as far as the X server knows them without the application; absent when one isn't so.
+std::optional<std::vector<AxValue>> windowAttributes(const X11Window& window, std::span<const std::string_view> names) {
+    std::vector<AxValue> values;
+    for (const std::string_view name : names) {
+        std::optional<AxValue> known = windowAttribute(window, name);
+        if (!known) return std::nullopt;
+        values.push_back(std::move(*known));
+    }
+    return values;
+}
+
 // The innermost object at a point below an object, asked level by level, since some toolkits answer with the next level
 // only and some with the innermost at once.
 std::optional<Reference> descendTo(Lease& lease, const FrameFound& frame, const Placement& placement, AxPoint point,
@@ -149,6 +160,8 @@ AxResult<std::vector<AxValue>> AtspiService::attributes(const UIElement& element
     }
     const std::optional<X11Window> window = windows_.window(of.window);
     if (!window) return {AxStatus::invalidElement, {}};
+    if (of.kind == AtspiElement::Kind::window)
+        if (auto known = windowAttributes(*window, names)) return {AxStatus::success, std::move(*known)};
     FetchOptions options;
     options.limit = kSingleRead;
     std::optional<WindowTree> tree = fetchWindow(applications_, *window, options);

@@ -63,7 +63,7 @@ bool readTreeEntry(sd_bus_message* m, Seed& seed) {
     const auto known = seed.find(path);
     SeedItem unknown;
     SeedItem& item = known == seed.end() ? unknown : known->second;
-    item.hasTree = true;
+    item.hasBox = true;
     const Inside properties(m, 'a', "{sv}");
     while (properties) {
         const Inside pair(m, 'e', "sv");

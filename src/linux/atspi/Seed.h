@@ -23,9 +23,9 @@ struct SeedItem {
     std::vector<Reference> children;   // those that the reply holds, in the application's order
     std::vector<std::int32_t> places;  // their indices in their parent, as the reply came
 
-    bool hasTree = false;  // the fields below are known
     std::string identifier;
     std::vector<std::pair<std::string, std::string>> attributes;
+    bool hasBox = false;  // the box has been asked for; absent then, there is none
     std::optional<RawBox> box;
 };
 

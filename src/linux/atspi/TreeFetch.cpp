@@ -20,6 +20,7 @@ constexpr const char* kText = "org.a11y.atspi.Text";
 constexpr std::string_view kEmbedded = "\xEF\xBF\xBC";  // U+FFFC stands for a child in a text
 
 constexpr std::size_t kLargeTree = 3'000;
+constexpr std::size_t kMostBoxesAtOnce = 800;
 constexpr std::size_t kLongList = 64;
 constexpr std::size_t kMostNodes = 30'000;  // no screen shows more; a tree that goes on for ever ends here
 
@@ -121,6 +122,32 @@ void TreeFetch::askSeed(const Reference& frame) {
         pipeline_.send(std::move(tree), [this](sd_bus_message* tree_reply) { addTree(tree_reply, seed_); });
     });
     pipeline_.run();
+    if (!manner_.hasTree) askSeedBoxes(frame);
+}
+
+// All boxes at once: asked level by level, a small window costs more waiting than answering.
+void TreeFetch::askSeedBoxes(const Reference& frame) {
+    std::vector<Reference> below{frame};
+    std::unordered_set<std::string> listed{frame.path};
+    for (std::size_t i = 0; i < below.size() && below.size() <= kMostBoxesAtOnce; ++i) {
+        const auto item = seed_.find(below[i].path);
+        if (item == seed_.end()) continue;
+        for (const Reference& child : item->second.children)
+            if (listed.insert(child.path).second) below.push_back(child);
+    }
+    if (below.size() > kMostBoxesAtOnce) return;
+    for (const Reference& each : below) {
+        const auto item = seed_.find(each.path);
+        if (item == seed_.end() || item->second.role == Role::invalid) continue;
+        Call call = callTo(each, kComponent, "GetExtents");
+        call.signature = "u";
+        call.integers[0] = static_cast<std::int32_t>(coordinatesOf(application_.toolkit));
+        pipeline_.send(std::move(call), [&known = item->second](sd_bus_message* reply) {
+            known.box = readBox(reply);
+            known.hasBox = true;
+        });
+    }
+    pipeline_.run();
 }
 
 void TreeFetch::takeFromSeed(int index, const SeedItem& item) {
@@ -134,8 +161,9 @@ void TreeFetch::takeFromSeed(int index, const SeedItem& item) {
     node.description = item.description;
     node.identifier = item.identifier;
     node.attributes = item.attributes;
-    if (item.hasTree) {
+    if (item.hasBox) {
         node.raw = item.box;
+        work_[i].boxAsked = true;
         place(index);
     }
     work_[i].seeded = true;
@@ -207,7 +235,7 @@ void TreeFetch::visit(int index) {
         takeFromSeed(index, seed->second);
     else
         askState(index);
-    if (!tree_[static_cast<std::size_t>(index)].raw && asksBoxFirst(index)) askExtents(index);
+    if (!work_[static_cast<std::size_t>(index)].boxAsked && asksBoxFirst(index)) askExtents(index);
     if (--work_[static_cast<std::size_t>(index)].awaited == 0) askFields(index);
 }
 
@@ -275,7 +303,7 @@ void TreeFetch::askFields(int index) {
     node.shows = true;
     ++work_[i].awaited;
     if (!work_[i].seeded) askOwnFields(index);
-    if (!work_[i].boxAsked && !node.raw) askExtents(index);
+    if (!work_[i].boxAsked) askExtents(index);
     const bool childrenKnown =
         work_[i].seeded && static_cast<std::int32_t>(work_[i].children.size()) == node.childCount;
     if (!manner_.childrenByIndex && work_[i].kind == Kind::ordinary && !node.has(State::managesDescendants) &&
@@ -591,6 +619,9 @@ void TreeFetch::markTitleBar() {
 void TreeFetch::clipFrames() {
     for (std::size_t i = 1; i < tree_.size(); ++i) {
         Node& node = tree_[i];
+        // The page of a stack has no box in GTK 4; it is where the stack is.
+        if (!node.raw && node.parent >= 0 && !node.synthetic)
+            node.frame = tree_[static_cast<std::size_t>(node.parent)].frame;
         if (!node.shows || !node.raw || isEmpty(*node.raw) || isSurface(node.role)) continue;
         if (const AxRect rest = intersection(node.frame, work_[i].clip); !rest.isNull()) node.frame = rest;
     }

@@ -66,6 +66,7 @@ private:
     };
 
     void askSeed(const Reference& frame);
+    void askSeedBoxes(const Reference& frame);
     void takeFromSeed(int index, const SeedItem& item);
     int add(const Reference& reference, int parent, AxRect clip, Kind kind);
     void visit(int index);
