@@ -106,6 +106,9 @@ int run(std::unique_ptr<X11Windows> windows) {
     AppCore core(platform);
     if (!accessibility->isTrusted()) accessibility->askForTrust();
     core.start();
+    const Subscription activation = workspace->onApplicationActivated(
+        [&](const RunningApplication& activated) { accessibility->wake(activated.processIdentifier); });
+    if (const auto frontmost = workspace->frontmostApplication()) accessibility->wake(frontmost->processIdentifier);
 
     const Subscription termination = onTerminationSignal(runLoop, [&core] {
         core.theInput().close();  // gives the keyboard back before anything is waited for

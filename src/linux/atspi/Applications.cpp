@@ -213,9 +213,14 @@ void Applications::keepPaddings(const std::string& bus, Paddings paddings) {
     known_[bus].paddings = std::move(paddings);
 }
 
-bool Applications::isFirstContact(const std::string& bus) {
+bool Applications::wasContacted(const std::string& bus) {
     const std::lock_guard lock(mutex_);
-    return !std::exchange(known_[bus].contacted, true);
+    return known_[bus].contacted;
+}
+
+void Applications::noteContact(const std::string& bus) {
+    const std::lock_guard lock(mutex_);
+    known_[bus].contacted = true;
 }
 
 void Applications::noteTimeout(const std::string& bus) {

@@ -71,8 +71,10 @@ public:
     Paddings paddings(const std::string& bus);
     void keepPaddings(const std::string& bus, Paddings paddings);
 
-    // True once for each application: its first contact, when trees that are made on demand are not there yet.
-    bool isFirstContact(const std::string& bus);
+    // Whether a tree of this application has been read before. At the first contact, what a toolkit makes on demand
+    // isn't there yet.
+    bool wasContacted(const std::string& bus);
+    void noteContact(const std::string& bus);
 
     // An application that has let a whole deadline pass is given little time for a while.
     void noteTimeout(const std::string& bus);

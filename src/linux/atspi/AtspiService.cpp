@@ -292,9 +292,15 @@ void AtspiService::askForTrust() {
                         1);
 }
 
-void AtspiService::wake(std::int32_t pid) {
+// False while the process isn't on the accessibility bus yet.
+bool AtspiService::contact(std::int32_t pid) {
+    const std::vector<Application> applications = applications_.ofProcess(pid, Clock::now() + kSingleRead);
+    if (applications.empty()) return false;
+    if (std::all_of(applications.begin(), applications.end(),
+                    [this](const Application& each) { return applications_.wasContacted(each.bus); }))
+        return true;
     const std::optional<X11Window> window = windowOf(pid);
-    if (window) fetchWindow(applications_, *window, {});
+    return !window || fetchWindow(applications_, *window, {});
 }
 
 }  // namespace tarvix

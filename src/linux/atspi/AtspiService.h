@@ -6,6 +6,7 @@
 
 #include "base/Outcome.h"
 #include "linux/atspi/Applications.h"
+#include "linux/atspi/Waker.h"
 #include "linux/atspi/WindowFetch.h"
 #include "linux/x11/X11Windows.h"
 #include "platform/Accessibility.h"
@@ -40,9 +41,9 @@ public:
     bool isTrusted() override;
     void askForTrust() override;
 
-    // Has an application that makes its tree on demand make it now, so that it is there at the first search. Blocks up
-    // to two seconds; for a background thread, when the application has become active.
-    void wake(std::int32_t pid);
+    // Has an application that makes its tree on demand make it now, so that it is there at the first search; to be
+    // called when it has become active. Returns at once.
+    void wake(std::int32_t pid) { waker_.wake(pid); }
 
     // The same reading with other options than a search's, for the benchmark.
     std::unique_ptr<AccessibilityReads> readAhead(const UIElement& root, const atspi::FetchOptions& options,
@@ -51,6 +52,7 @@ public:
 private:
     explicit AtspiService(X11Windows& windows) : windows_(windows) {}
 
+    bool contact(std::int32_t pid);
     AxResult<AxValue> applicationAttribute(std::int32_t pid, std::string_view name);
     AxResult<AxValue> systemAttribute(std::string_view name);
     std::optional<X11Window> windowOf(std::int32_t pid);
@@ -58,6 +60,7 @@ private:
 
     X11Windows& windows_;
     atspi::Applications applications_;
+    atspi::Waker waker_{[this](std::int32_t pid) { return contact(pid); }};  // last: its thread uses all above
 };
 
 }  // namespace tarvix

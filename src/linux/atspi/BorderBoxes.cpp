@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
-#include <map>
+#include <utility>
 #include <vector>
 
 #include "linux/atspi/Replies.h"
@@ -93,22 +93,24 @@ void evenOut(const Node& node, Padding& padding) {
         std::max({padding.left, padding.right, padding.top, padding.bottom});
 }
 
-// What most controls of a role have; for those that the hit test passes over, as it does with insensitive ones.
-std::map<Role, Padding> usual(const NodeTree& tree, const Paddings& known) {
-    std::map<Role, std::vector<Padding>> byRole;
-    for (const Node& node : tree) {
-        const auto found = known.find(node.reference.path);
-        if (!node.shows || !node.has(State::sensitive) || !hasBorder(node.role) || found == known.end()) continue;
-        Padding padding = found->second;
-        padding.width = padding.height = 0;
-        byRole[node.role].push_back(padding);
+// The hit test passes over insensitive controls. One is padded like a sensitive control of its role: best one beside
+// it, of its height; `wanted` are the places of all controls.
+const Padding* paddingLike(const NodeTree& tree, const Node& node, const std::vector<std::size_t>& wanted,
+                           const Paddings& known) {
+    const Padding* best = nullptr;
+    int bestLikeness = -1;
+    for (const std::size_t i : wanted) {
+        const Node& other = tree[i];
+        if (other.role != node.role || !other.has(State::sensitive)) continue;
+        const auto found = known.find(other.reference.path);
+        if (found == known.end()) continue;
+        const int likeness = (other.parent == node.parent ? 4 : 0) + (found->second.width == node.raw->width ? 2 : 0) +
+                             (found->second.height == node.raw->height ? 1 : 0);
+        if (likeness <= bestLikeness) continue;
+        bestLikeness = likeness;
+        best = &found->second;
     }
-    std::map<Role, Padding> most;
-    for (const auto& [role, paddings] : byRole)
-        most[role] = *std::max_element(paddings.begin(), paddings.end(), [&](const Padding& a, const Padding& b) {
-            return std::count(paddings.begin(), paddings.end(), a) < std::count(paddings.begin(), paddings.end(), b);
-        });
-    return most;
+    return best;
 }
 
 }  // namespace
@@ -142,17 +144,21 @@ void BorderBoxes::widen(Pipeline& pipeline, NodeTree& tree, Paddings& known) {
         padding.*search.side->of = search.low;
     }
     for (const Search& search : searches) evenOut(tree[search.node], known[tree[search.node].reference.path]);
-    const std::map<Role, Padding> most = usual(tree, known);
+    std::vector<std::pair<std::size_t, Padding>> paddings;
     for (const std::size_t i : wanted) {
-        Node& node = tree[i];
+        const Node& node = tree[i];
         const auto found = known.find(node.reference.path);
-        const auto like = most.find(node.role);
-        if (found == known.end() && like == most.end()) continue;
-        const Padding& padding = found != known.end() ? found->second : like->second;
-        node.raw->x -= padding.left;
-        node.raw->y -= padding.top;
-        node.raw->width += padding.left + padding.right;
-        node.raw->height += padding.top + padding.bottom;
+        const Padding* padding = node.has(State::sensitive) && found != known.end()
+                                     ? &found->second
+                                     : paddingLike(tree, node, wanted, known);
+        if (padding) paddings.emplace_back(i, *padding);
+    }
+    for (const auto& [i, padding] : paddings) {
+        RawBox& box = *tree[i].raw;
+        box.x -= padding.left;
+        box.y -= padding.top;
+        box.width += padding.left + padding.right;
+        box.height += padding.top + padding.bottom;
     }
 }
 

@@ -107,8 +107,10 @@ public:
             options_.overBus ? applications_.connectOverBus() : applications_.connect(application_, deadline);
         if (!lease) return std::nullopt;
         const bool onDemand = application_.toolkit == Toolkit::chromium || application_.toolkit == Toolkit::gecko;
-        if (onDemand && applications_.isFirstContact(application_.bus)) return fetchFirst(*lease);
-        return fetchOn(*lease, deadline);
+        const bool isFirst = !applications_.wasContacted(application_.bus);
+        std::optional<WindowTree> tree = onDemand && isFirst ? fetchFirst(*lease) : fetchOn(*lease, deadline);
+        if (tree) applications_.noteContact(application_.bus);
+        return tree;
     }
 
 private:
