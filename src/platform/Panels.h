@@ -88,8 +88,8 @@ public:
 
     // The user has changed the text.
     [[nodiscard]] virtual Subscription onTextChanged(std::function<void(const std::string& text)> changed) = 0;
-    // The ideal width of the measuring text ("X", the text, "XX") in the present font, paddings not counted; reported at
-    // creation and whenever it changes.
+    // The ideal width of the measuring text ("X", the text, "XX") in the present font, paddings not counted; told
+    // at once, within the call, and whenever it changes.
     [[nodiscard]] virtual Subscription onMeasured(std::function<void(double width)> measured) = 0;
     // The panel has lost the keyboard other than by orderOut(): a click elsewhere, another active window.
     [[nodiscard]] virtual Subscription onResignKey(std::function<void()> resigned) = 0;
@@ -130,6 +130,10 @@ public:
     // other than by releaseKeyboard(). False when the keyboard can't be had at all.
     virtual bool takeKeyboard(std::uint32_t window, std::function<void()> lost) = 0;
     virtual void releaseKeyboard() = 0;
+    // The panel is ready for a key press: it has the keyboard now, or has dealt with the press before. From the first
+    // call on, presses come one at a time, and later ones wait, so that the monitor is never offered a key before the
+    // panel has taken in those that came earlier. Without any call they come as they are pressed.
+    virtual void readyForKeyPress() {}
     // Puts a window of ours directly below another one, or above everything.
     virtual void stackBelow(std::uint32_t window, std::uint32_t sibling) = 0;
     virtual void stackOnTop(std::uint32_t window) = 0;

@@ -1,5 +1,7 @@
 #include "qt/QtInputPanel.h"
 
+#include <xcb/xcb.h>
+
 #include <QApplication>
 #include <QBitmap>
 #include <QMouseEvent>
@@ -115,8 +117,18 @@ public:
 
     std::function<void(QPoint by)> onDragged;
     std::function<void()> onPainted;
+    std::function<void()> onKeyPress;  // one has been dealt with, whatever came of it
 
 protected:
+    // Queued: this one is on its way into the field, and arrives before anything that is queued now. Seen here and not
+    // as an event of the field, since a dead key or an input method may keep it.
+    bool nativeEvent(const QByteArray& type, void* message, qintptr* result) override {
+        if ((static_cast<const xcb_generic_event_t*>(message)->response_type & 0x7f) == XCB_KEY_PRESS)
+            QMetaObject::invokeMethod(
+                this, [this] { onKeyPress(); }, Qt::QueuedConnection);
+        return QWidget::nativeEvent(type, message, result);
+    }
+
     void paintEvent(QPaintEvent*) override {
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
@@ -205,6 +217,7 @@ public:
         window_.field().onCancel = [this] { cancelled_(); };
         window_.onDragged = [this](QPoint by) { dragged(by); };
         window_.onPainted = [this] { painted(); };
+        window_.onKeyPress = [this] { services_.windowing.readyForKeyPress(); };
         window_.setLook(look_);
         setFrame({});
         remeasure();
@@ -234,6 +247,7 @@ public:
         window_.raise();
         syncWithServer();  // a grab of the keyboard wants a window that is mapped
         if (!hasKeyboard_) hasKeyboard_ = services_.windowing.takeKeyboard(number(), [this] { lostKeyboard(); });
+        services_.windowing.readyForKeyPress();
         if (!hasKeyboard_) QTimer::singleShot(0, &window_, [this] { resigned_(); });
     }
 

@@ -119,6 +119,20 @@ TEST_F(SearchTest, DownGoesToTheNextTargetAndReturnClicksThat) {
     expectOneClick({"Moss 02", 1, 1, ""});
 }
 
+TEST_F(SearchTest, KeysThatComeAllAtOnceAreTakenInTheirOrder) {
+    play("gtk3.py");
+    startProgram();
+    for (const auto* query : {"moss 03", "moss 05"}) {
+        const Program::Step opened = program_->pressHotKey(keyboard_);
+        ASSERT_TRUE(program_->reached(milestone::candidatesRead, opened.pressed));
+        keyboard_.type(query);
+        keyboard_.chord({keysym::down});  // to the only Target itself
+        ASSERT_TRUE(program_->press(keyboard_, keysym::returnKey, milestone::inputHidden));
+    }
+    EXPECT_TRUE(await(3s, [&] { return fixture_->clicks().size() == 2; }));
+    EXPECT_THAT(fixture_->clicks(), ElementsAre(FixtureClick{"Moss 03", 1, 1, ""}, FixtureClick{"Moss 05", 1, 1, ""}));
+}
+
 TEST_F(SearchTest, TwoSearchesInARowClickTwice) {
     play("gtk3.py");
     startProgram();

@@ -18,7 +18,8 @@ using Handled = X11Connection::Handled;
 namespace {
 
 constexpr auto kRetryStep = std::chrono::milliseconds(10);
-constexpr int kTries = 31;  // 300 ms at most
+constexpr int kTries = 31;                                   // 300 ms at most
+constexpr auto kBusyLimit = std::chrono::milliseconds(250);  // then a panel is taken to have missed its key
 
 constexpr std::uint32_t kKeyMask = XCB_INPUT_XI_EVENT_MASK_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_KEY_RELEASE;
 
@@ -211,6 +212,32 @@ Handled X11Keyboard::handle(const xcb_generic_event_t& event) {
 
 Handled X11Keyboard::handleKey(const X11KeyEvent& key) {
     if (taken_->way == Way::eachKeyboard && !taken_->states.contains(key.device)) return Handled::no;
+    taken_->waiting.push_back(key);
+    processWaiting();
+    return Handled::yes;
+}
+
+bool X11Keyboard::panelIsBusy() const {
+    return taken_->busySince && std::chrono::steady_clock::now() - *taken_->busySince < kBusyLimit;
+}
+
+void X11Keyboard::processWaiting() {
+    while (taken_ && !taken_->waiting.empty() && !panelIsBusy()) {
+        const X11KeyEvent key = taken_->waiting.front();
+        taken_->waiting.pop_front();
+        taken_->busySince.reset();
+        process(key);
+    }
+}
+
+void X11Keyboard::readyForKeyPress() {
+    if (!taken_) return;
+    taken_->isPaced = true;
+    taken_->busySince.reset();
+    processWaiting();
+}
+
+void X11Keyboard::process(const X11KeyEvent& key) {
     if (taken_->way == Way::eachKeyboard) {
         ModifierState before{key.heldModifiers, key.lockedModifiers, key.lockedGroup};
         noteState(key.device, before);
@@ -221,14 +248,14 @@ Handled X11Keyboard::handleKey(const X11KeyEvent& key) {
         if (known) forward(key);
     } else {
         // A key that was down before, such as the hot key's, only repeats.
-        if (key.isRepeat && !taken_->down[key.keycode]) return Handled::yes;
+        if (key.isRepeat && !taken_->down[key.keycode]) return;
         taken_->down[key.keycode] = true;
-        if (isConsumed(key)) return Handled::yes;
+        if (isConsumed(key)) return;
         taken_->forwarded[key.keycode] = true;
+        if (taken_->isPaced) taken_->busySince = std::chrono::steady_clock::now();
         forward(key);
     }
     noteModifierKey(key);
-    return Handled::yes;
 }
 
 // True also when the monitor has given the keyboard back.

@@ -3,7 +3,9 @@
 
 #include <xcb/xinput.h>
 
+#include <chrono>
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <map>
 #include <memory>
@@ -34,6 +36,7 @@ public:
 
     bool takeKeyboard(std::uint32_t window, std::function<void()> lost) override;
     void releaseKeyboard() override;
+    void readyForKeyPress() override;
     void stackBelow(std::uint32_t window, std::uint32_t sibling) override { stacking_.stackBelow(window, sibling); }
     void stackOnTop(std::uint32_t window) override { stacking_.stackOnTop(window); }
     bool isComposited() override;
@@ -49,11 +52,14 @@ private:
         std::vector<std::uint16_t> keyboards;  // those that are grabbed
         std::uint32_t since = 0;               // the sequence number of the request that began it
         xcb_window_t activeWindow = XCB_WINDOW_NONE;
-        xcb_window_t focus = XCB_WINDOW_NONE;           // the application's window that has the focus
-        xcb_window_t focusTop = XCB_WINDOW_NONE;        // the child of the root that holds it
-        Keycodes down;                                  // keys that went down since
-        Keycodes forwarded;                             // those of them that the panel knows of
-        std::map<std::uint16_t, ModifierState> states;  // of each grabbed keyboard
+        xcb_window_t focus = XCB_WINDOW_NONE;                            // the application's window that has the focus
+        xcb_window_t focusTop = XCB_WINDOW_NONE;                         // the child of the root that holds it
+        Keycodes down;                                                   // keys that went down since
+        Keycodes forwarded;                                              // those of them that the panel knows of
+        std::map<std::uint16_t, ModifierState> states;                   // of each grabbed keyboard
+        bool isPaced = false;                                            // the panel says when it is ready
+        std::optional<std::chrono::steady_clock::time_point> busySince;  // it has a press that it hasn't dealt with
+        std::deque<X11KeyEvent> waiting;
         ModifierState locksBefore, locks;  // the applications' locks, and as they would be now without the grab
     };
 
@@ -68,6 +74,9 @@ private:
 
     X11Connection::Handled handle(const xcb_generic_event_t& event);
     X11Connection::Handled handleKey(const X11KeyEvent& key);
+    void process(const X11KeyEvent& key);
+    void processWaiting();
+    bool panelIsBusy() const;
     bool isConsumed(const X11KeyEvent& key);
     void forward(const X11KeyEvent& key);
     std::uint8_t modifiersOf(const X11KeyEvent& key) const;

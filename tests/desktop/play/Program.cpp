@@ -28,9 +28,9 @@ Program::Step Program::type(Keyboard& keyboard, std::string_view text, std::stri
     for (std::size_t i = 0; i < text.size(); ++i) {
         step.pressed = monotonicMicroseconds();
         keyboard.type(text.substr(i, 1));
-        if (i + 1 < text.size() && !reached(milestone::textChanged, step.pressed)) return step;
+        step.answered = reached(moment, step.pressed);
+        if (!step) break;
     }
-    step.answered = reached(moment, step.pressed);
     return step;
 }
 

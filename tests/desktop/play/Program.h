@@ -35,7 +35,7 @@ public:
         explicit operator bool() const { return answered.has_value(); }
     };
     Step pressHotKey(Keyboard& keyboard, std::string_view moment = milestone::inputShown);
-    // Types all but the last character, waits until they were taken, then types that; measured from there.
+    // Types a text, each character when the one before has been answered; measured from the last one.
     Step type(Keyboard& keyboard, std::string_view text, std::string_view moment = milestone::markersDrawn);
     Step press(Keyboard& keyboard, std::uint32_t keysym, std::string_view moment);
 
