@@ -1,6 +1,6 @@
 #include "core/TarvixEngine.h"
 
-#include <algorithm>
+#include <utility>
 
 #include "display/FocusedApplication.h"
 #include "platform/Milestones.h"
@@ -84,12 +84,12 @@ void TarvixEngine::showTargets(const OrderedSet<AccessibilityElement>& elements)
         const bool isFirst = &element == &elements.front();
         const auto view = std::make_shared<TargetView>(targetLook_, isFirst, PanelRect{origin, element.size});
         canvas_.addSubview(view);
-        const Target target{element, view};
+        Target target{element, view};
         if (isFirst) {
             primaryTarget_ = target;
             announcePrimaryTarget();
         }
-        targets_.insert(target);
+        targets_.insert(std::move(target));
     }
     canvas_.orderFrontRegardless();
 }

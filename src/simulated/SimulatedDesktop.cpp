@@ -51,7 +51,7 @@ Platform SimulatedDesktop::platform() {
             .milestones = milestones};
 }
 
-std::int32_t SimulatedDesktop::launch(const std::string& name, std::optional<std::string> bundleIdentifier) {
+std::int32_t SimulatedDesktop::launch(const std::string& name, const std::optional<std::string>& bundleIdentifier) {
     const std::int32_t pid = ++lastPid_;
     workspace.launch({pid, bundleIdentifier.value_or("org.example." + name), name});
     activate(pid);
@@ -59,8 +59,8 @@ std::int32_t SimulatedDesktop::launch(const std::string& name, std::optional<std
 }
 
 SimulatedWindow SimulatedDesktop::window(const std::string& name, AxRect frame,
-                                         std::optional<std::string> bundleIdentifier) {
-    return addWindow(launch(name, std::move(bundleIdentifier)), name, frame);
+                                         const std::optional<std::string>& bundleIdentifier) {
+    return addWindow(launch(name, bundleIdentifier), name, frame);
 }
 
 SimulatedWindow SimulatedDesktop::addWindow(std::int32_t pid, const std::string& title, AxRect frame) {

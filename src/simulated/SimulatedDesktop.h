@@ -39,10 +39,10 @@ public:
 
     // Launches an application, which becomes frontmost and gets the focus. Its identifier is "org.example." and the
     // name unless another one is given. The answer is its process.
-    std::int32_t launch(const std::string& name, std::optional<std::string> bundleIdentifier = std::nullopt);
+    std::int32_t launch(const std::string& name, const std::optional<std::string>& bundleIdentifier = std::nullopt);
     // Launches an application with this window, which is its main and its focused one and not in full-screen mode.
     SimulatedWindow window(const std::string& name, AxRect frame = {{0, 0}, {800, 600}},
-                           std::optional<std::string> bundleIdentifier = std::nullopt);
+                           const std::optional<std::string>& bundleIdentifier = std::nullopt);
     // One more window of a running application, in front of all others but neither its main nor its focused one.
     SimulatedWindow addWindow(std::int32_t pid, const std::string& title, AxRect frame);
 
