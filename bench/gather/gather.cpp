@@ -1,7 +1,8 @@
-// How long the candidates of the active window take to gather, beside the same reading done one blocking call at a time,
-// and beside the floor: the very calls of the reading, sent by a bare pipelined loop.
+// How long the candidates of the active window take to gather, beside the same reading done one blocking call at a
+// time, and beside the floor: the very calls of the reading, sent by a bare pipelined loop.
 //
-// usage: bench_gather NAME   (on the display where the application is running; prints one row, or the header without NAME)
+// usage: bench_gather NAME   (on the display where the application is running; prints one row, or the header without
+// NAME)
 
 #include <algorithm>
 #include <chrono>
@@ -58,10 +59,10 @@ int measure(const char* name) {
     // What isn't measured is simulated: settings, and an application that is frontmost.
     SimulatedDesktop desktop;
     Platform platform = desktop.platform();
-    const Platform measured{*service.value(),          platform.workspace,   platform.windowServer,
-                            platform.screens,          platform.events,      platform.hotKeys,
-                            platform.inputSources,     platform.panels,      platform.runLoop,
-                            platform.userDefaults,     platform.pasteboard,  platform.notificationCenter,
+    const Platform measured{*service.value(),      platform.workspace,  platform.windowServer,
+                            platform.screens,      platform.events,     platform.hotKeys,
+                            platform.inputSources, platform.panels,     platform.runLoop,
+                            platform.userDefaults, platform.pasteboard, platform.notificationCenter,
                             platform.milestones};
     const SearchEngine search(measured);
     atspi::Applications applications;
@@ -80,9 +81,11 @@ int measure(const char* name) {
         if (!tree) return std::fprintf(stderr, "bench_gather: %s shows no tree\n", name), 1;
         row.calls = tree->calls;
         row.floor.push_back(milliseconds([&] { replay(applications, *tree); }));
-        if (round % 3 == 0) row.blocking.push_back(milliseconds([&] {
-            if (const auto slow = atspi::fetchWindow(applications, *active, blocking)) row.blockingCalls = slow->calls;
-        }));
+        if (round % 3 == 0)
+            row.blocking.push_back(milliseconds([&] {
+                if (const auto slow = atspi::fetchWindow(applications, *active, blocking))
+                    row.blockingCalls = slow->calls;
+            }));
     }
     const double ours = median(row.ours), slow = median(row.blocking), floor = median(row.floor);
     std::printf("%-22s %10zu %9.1f %6zu %11.1f %6zu %8.1f %9.1f %8.2f\n", name, row.candidates, ours, row.calls, slow,

@@ -54,12 +54,8 @@ using PanelPoint = Point<struct PanelPlane>;
 using PanelRect = Rect<struct PanelPlane>;
 
 // The one door between the two planes; `firstScreenHeight` is the first screen's, wherever the point lies.
-inline PanelPoint flip(AxPoint p, double firstScreenHeight) {
-    return {p.x, firstScreenHeight - p.y};
-}
-inline AxPoint flip(PanelPoint p, double firstScreenHeight) {
-    return {p.x, firstScreenHeight - p.y};
-}
+inline PanelPoint flip(AxPoint p, double firstScreenHeight) { return {p.x, firstScreenHeight - p.y}; }
+inline AxPoint flip(PanelPoint p, double firstScreenHeight) { return {p.x, firstScreenHeight - p.y}; }
 template <class From, class To>
 Rect<To> flipRect(Rect<From> r, double firstScreenHeight) {
     return {{r.minX(), firstScreenHeight - r.maxY()}, {r.width(), r.height()}};
@@ -71,9 +67,9 @@ inline AxRect flip(PanelRect r, double firstScreenHeight) {
     return flipRect<PanelPlane, AxPlane>(r, firstScreenHeight);
 }
 
-// Rectangles that only touch along an edge or at a corner don't intersect. An empty rectangle (a line, a point) strictly
-// inside another one does; one on the other's edge doesn't. The null rectangle, and any coordinate that is not a number,
-// intersects nothing.
+// Rectangles that only touch along an edge or at a corner don't intersect. An empty rectangle (a line, a point)
+// strictly inside another one does; one on the other's edge doesn't. The null rectangle, and any coordinate that is not
+// a number, intersects nothing.
 template <class Plane>
 bool intersects(Rect<Plane> a, Rect<Plane> b) {
     if (a.isNull() || b.isNull()) return false;

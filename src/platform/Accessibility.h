@@ -53,20 +53,20 @@ struct TextRange {
 
 // An attribute's value as the application gave it. `monostate` stands for "there is none here"; a reader that expects
 // another kind than it finds treats the value as missing.
-using AxValue = std::variant<std::monostate, bool, std::int64_t, double, std::string, Url, AxPoint, Size, AxRect, TextRange,
-                             UIElement, std::vector<UIElement>>;
+using AxValue = std::variant<std::monostate, bool, std::int64_t, double, std::string, Url, AxPoint, Size, AxRect,
+                             TextRange, UIElement, std::vector<UIElement>>;
 
-// How a call went. The numbers are the ones that accessibility clients know; the system tells apart success, noValue and
-// everything else.
+// How a call went. The numbers are the ones that accessibility clients know; the system tells apart success, noValue
+// and everything else.
 enum class AxStatus : std::int32_t {
     success = 0,
     failure = -25200,
-    invalidElement = -25202,         // the element has gone
-    cannotComplete = -25204,         // no answer within the time limit, or the application has gone
-    attributeUnsupported = -25205,   // this kind of element has no such attribute
+    invalidElement = -25202,        // the element has gone
+    cannotComplete = -25204,        // no answer within the time limit, or the application has gone
+    attributeUnsupported = -25205,  // this kind of element has no such attribute
     actionUnsupported = -25206,
-    apiDisabled = -25211,            // the accessibility service can't be reached at all
-    noValue = -25212,                // the attribute exists and has no value at present
+    apiDisabled = -25211,  // the accessibility service can't be reached at all
+    noValue = -25212,      // the attribute exists and has no value at present
 };
 
 template <class T>
@@ -107,8 +107,8 @@ inline constexpr std::string_view boundsForRange = "AXBoundsForRange";
 inline constexpr std::string_view press = "AXPress";
 }  // namespace ax
 
-// Reads of one application's tree. Every read blocks until the answer or its time limit is there; a read that fails says
-// so by its status and never throws.
+// Reads of one application's tree. Every read blocks until the answer or its time limit is there; a read that fails
+// says so by its status and never throws.
 class AccessibilityReads {
 public:
     virtual ~AccessibilityReads() = default;

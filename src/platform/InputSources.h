@@ -32,8 +32,8 @@ public:
     virtual std::vector<InputSourceInfo> enabled() = 0;
     virtual InputSourceInfo currentKeyboardLayout() = 0;
     virtual InputSourceInfo currentASCIICapable() = 0;
-    // What a key types on a source that has layout data, dead keys as their spacing form. `keyCode` is a position on the
-    // table of `Key`; `modifierState` is 0, 2 (shift), 8 (option) or 10. Nothing when the key types nothing there.
+    // What a key types on a source that has layout data, dead keys as their spacing form. `keyCode` is a position on
+    // the table of `Key`; `modifierState` is 0, 2 (shift), 8 (option) or 10. Nothing when the key types nothing there.
     virtual std::optional<std::string> translate(const InputSourceInfo& source, std::uint16_t keyCode,
                                                  std::uint32_t modifierState) = 0;
     [[nodiscard]] virtual Subscription onSelectedChanged(std::function<void()> changed) = 0;

@@ -36,8 +36,8 @@ public:
                                              std::function<void()> fired) = 0;
 };
 
-// Calls `ready` on the main thread whenever a file descriptor can be read. The seam between the loop's implementation and
-// the services that bring a connection of their own. Main thread.
+// Calls `ready` on the main thread whenever a file descriptor can be read. The seam between the loop's implementation
+// and the services that bring a connection of their own. Main thread.
 class ReadWatcher {
 public:
     virtual ~ReadWatcher() = default;

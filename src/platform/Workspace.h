@@ -35,7 +35,8 @@ public:
     virtual void announce(std::string_view text, int priority) = 0;
 
     // Called when another application has become frontmost.
-    [[nodiscard]] virtual Subscription onApplicationActivated(std::function<void(const RunningApplication&)> activated) = 0;
+    [[nodiscard]] virtual Subscription onApplicationActivated(
+        std::function<void(const RunningApplication&)> activated) = 0;
 };
 
 }  // namespace tarvix
