@@ -129,10 +129,14 @@ TEST_F(DisplayEngineTest, WithSeparateSpacesAWindowWithoutATopCornerOnAnyScreenI
     EXPECT_EQ(frameFor({{100, 900}, {200, 200}}), kRight);
 }
 
-TEST_F(DisplayEngineTest, AFullScreenWindowOnASecondScreenIsFoundByItsFrame) {
-    setScreens({kFirst, kRight}, kFirst);
+// Its top right corner is on the excluded edge, where the screen beside it begins.
+TEST_F(DisplayEngineTest, AFullScreenWindowIsFoundByItsFrame) {
+    constexpr PanelRect farRight{{2400, 200}, {800, 800}};
+    setScreens({kFirst, kRight, farRight}, farRight);
     desk.screens.separateSpaces = true;
+    EXPECT_EQ(frameFor(kFirst), kFirst);
     EXPECT_EQ(frameFor(kRight), kRight);
+    EXPECT_EQ(frameFor(farRight), farRight);
 }
 
 TEST_F(DisplayEngineTest, WithoutAWindowItIsTheFirstScreen) {

@@ -26,6 +26,7 @@ TEST(ClampedOrigin, AnObjectLeftOfTheScreenPutsItAtTheLeftEdge) {
 
 TEST(ClampedOrigin, APanelThatWouldReachOverTheRightEdgeEndsThere) {
     EXPECT_EQ(clampedOrigin({1500, 500}, kPanel, kScreen), (PanelPoint{1400, 500}));
+    EXPECT_EQ(clampedOrigin({1400.5, 500}, kPanel, kScreen), (PanelPoint{1400, 500}));
 }
 
 TEST(ClampedOrigin, APanelThatEndsExactlyAtTheRightEdgeStaysAboveItsObject) {
