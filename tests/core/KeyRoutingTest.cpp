@@ -8,7 +8,7 @@
 
 #include "core/KeyRouting.h"
 #include "simulated/SimulatedRunLoop.h"
-#include "simulated/SimulatedServices.h"
+#include "simulated/SimulatedMilestones.h"
 
 namespace tarvix {
 namespace {
