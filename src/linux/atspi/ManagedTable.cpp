@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "linux/atspi/Replies.h"
+#include "linux/atspi/TableNumbering.h"
 #include "linux/atspi/TreeFetch.h"
 
 namespace tarvix::atspi {
@@ -16,46 +17,6 @@ namespace {
 constexpr int kMostRows = 400;    // of a screen; smaller rows than this leaves can't be read
 constexpr int kManyColumns = 24;  // up to here all columns are visited, and the clip leaves out what doesn't show
 constexpr int kMostColumns = 200;
-
-// "AB12" is column 27, row 11. A spreadsheet's index in its parent overflows beyond row 131,071; its cells' names
-// don't.
-struct CellName {
-    std::int64_t row = 0, column = 0;
-};
-std::optional<CellName> parseCellName(const std::string& name) {
-    CellName cell;
-    std::size_t i = 0;
-    for (; i < name.size() && i < 3 && name[i] >= 'A' && name[i] <= 'Z'; ++i)
-        cell.column = cell.column * 26 + (name[i] - 'A' + 1);
-    if (i == 0 || i == name.size() || name.size() > 10) return std::nullopt;
-    for (; i < name.size(); ++i) {
-        if (name[i] < '0' || name[i] > '9') return std::nullopt;
-        cell.row = cell.row * 10 + (name[i] - '0');
-    }
-    return CellName{cell.row - 1, cell.column - 1};
-}
-
-// How a table's children are numbered: a corner and column headers first, then each row, with its header before its
-// cells.
-struct Numbering {
-    std::int64_t columns = 0;
-    std::int64_t columnHeaders = 0;  // 0 or 1 row of them
-    std::int64_t rowHeaders = 0;     // 0 or 1 column of them
-    std::int64_t stride() const { return columns + rowHeaders; }
-    std::int64_t row(std::int64_t index) const { return index / stride() - columnHeaders; }
-    std::int64_t column(std::int64_t index) const { return index % stride() - rowHeaders; }
-    std::int64_t index(std::int64_t row, std::int64_t column) const {
-        return (row + columnHeaders) * stride() + column + rowHeaders;
-    }
-};
-
-Numbering numberingOf(std::int64_t rows, std::int64_t columns, std::int64_t children) {
-    for (const std::int64_t columnHeaders : {0, 1})
-        for (const std::int64_t rowHeaders : {0, 1})
-            if ((rows + columnHeaders) * (columns + rowHeaders) == children)
-                return {columns, columnHeaders, rowHeaders};
-    return {columns, 0, 0};
-}
 
 }  // namespace
 

@@ -30,11 +30,6 @@ std::vector<std::pair<std::string, std::string>> attributesHere(sd_bus_message* 
     return attributes;
 }
 
-std::string variantTextHere(sd_bus_message* m) {
-    const char* text = nullptr;
-    return sd_bus_message_read(m, "v", "s", &text) > 0 ? bounded(text, kLongestName) : std::string();
-}
-
 struct InterfaceBit {
     std::string_view name;
     std::uint32_t bit;
@@ -51,21 +46,25 @@ constexpr auto kInterfaceBits = std::to_array<InterfaceBit>({{"Action", interfac
                                                              {"Image", interface::image},
                                                              {"Document", interface::document}});
 
-// The one property's value of the Accessible interface, read or skipped.
-void propertyHere(sd_bus_message* m, std::string_view name, Node& node) {
-    if (name == "Name")
-        node.name = variantTextHere(m);
-    else if (name == "Description")
-        node.description = variantTextHere(m);
-    else if (name == "AccessibleId")
-        node.identifier = variantTextHere(m);
-    else if (name == "ChildCount")
-        sd_bus_message_read(m, "v", "i", &node.childCount);
-    else if (name == "Attributes") {
-        const Inside variant(m, 'v', "a{ss}");
-        if (variant) node.attributes = attributesHere(m);
-    } else
-        sd_bus_message_skip(m, "v");
+// The one property's value of the Accessible interface; false when it wasn't read.
+bool propertyHere(sd_bus_message* m, std::string_view name, Node& node) {
+    for (const auto& [property, field] : {std::pair{std::string_view("Name"), &Node::name},
+                                          std::pair{std::string_view("Description"), &Node::description},
+                                          std::pair{std::string_view("AccessibleId"), &Node::identifier}}) {
+        if (name != property) continue;
+        const std::optional<std::string> text = readVariantText(m);
+        node.*field = text.value_or("");
+        return text.has_value();
+    }
+    if (name == "ChildCount") {
+        const std::optional<std::int32_t> count = readVariantInteger(m);
+        node.childCount = count.value_or(0);
+        return count.has_value();
+    }
+    if (name != "Attributes") return false;
+    const Inside variant(m, 'v', "a{ss}");
+    if (variant) node.attributes = attributesHere(m);
+    return static_cast<bool>(variant);
 }
 
 }  // namespace
@@ -174,7 +173,8 @@ void readAllProperties(sd_bus_message* reply, Node& node) {
         const Inside entry(reply, 'e', "sv");
         const char* name = nullptr;
         if (!entry || sd_bus_message_read(reply, "s", &name) <= 0) return;
-        propertyHere(reply, name, node);
+        // One that isn't what it should be is passed over, so that the others can be read.
+        if (!propertyHere(reply, name, node) && sd_bus_message_skip(reply, "v") < 0) return;
     }
 }
 

@@ -38,22 +38,26 @@ bool readItem(sd_bus_message* m, Seed& seed) {
     return true;
 }
 
-void readTreeProperty(sd_bus_message* m, std::string_view name, SeedItem& item) {
-    const char* text = nullptr;
+// False when it wasn't read.
+bool readTreeProperty(sd_bus_message* m, std::string_view name, SeedItem& item) {
     if (name == "AccessibleId") {
-        if (sd_bus_message_read(m, "v", "s", &text) > 0) item.identifier = bounded(text, kLongestName);
-    } else if (name == "Attributes") {
+        const std::optional<std::string> text = readVariantText(m);
+        item.identifier = text.value_or("");
+        return text.has_value();
+    }
+    if (name == "Attributes") {
         const Inside variant(m, 'v', "a{ss}");
         if (variant) item.attributes = readAttributes(m);
-    } else if (name == "Component.ScreenExtents") {
-        // Declared as unsigned; what lies left of or above the screen is negative all the same.
-        const Inside variant(m, 'v', "(uuuu)");
-        std::uint32_t x = 0, y = 0, width = 0, height = 0;
-        if (variant && sd_bus_message_read(m, "(uuuu)", &x, &y, &width, &height) > 0)
-            item.box = RawBox{static_cast<std::int32_t>(x), static_cast<std::int32_t>(y),
-                              static_cast<std::int32_t>(width), static_cast<std::int32_t>(height)};
-    } else
-        sd_bus_message_skip(m, "v");
+        return static_cast<bool>(variant);
+    }
+    if (name != "Component.ScreenExtents") return false;
+    // Declared as unsigned; what lies left of or above the screen is negative all the same.
+    const Inside variant(m, 'v', "(uuuu)");
+    std::uint32_t x = 0, y = 0, width = 0, height = 0;
+    if (variant && sd_bus_message_read(m, "(uuuu)", &x, &y, &width, &height) > 0)
+        item.box = RawBox{static_cast<std::int32_t>(x), static_cast<std::int32_t>(y), static_cast<std::int32_t>(width),
+                          static_cast<std::int32_t>(height)};
+    return static_cast<bool>(variant);
 }
 
 bool readTreeEntry(sd_bus_message* m, Seed& seed) {
@@ -69,7 +73,8 @@ bool readTreeEntry(sd_bus_message* m, Seed& seed) {
         const Inside pair(m, 'e', "sv");
         const char* name = nullptr;
         if (!pair || sd_bus_message_read(m, "s", &name) <= 0) break;
-        readTreeProperty(m, name, item);
+        // One that isn't what it should be is passed over, so that the others can be read.
+        if (!readTreeProperty(m, name, item) && sd_bus_message_skip(m, "v") < 0) break;
     }
     return true;
 }
