@@ -10,6 +10,7 @@
 #include "tests/desktop/play/Fixture.h"
 #include "tests/desktop/play/Keyboard.h"
 #include "tests/desktop/play/Program.h"
+#include "tests/desktop/play/ScreenImage.h"
 
 namespace tarvix {
 namespace {
@@ -92,6 +93,33 @@ protected:
         EXPECT_THAT(fixture_->keys(), Not(HasSubstr("Escape")));
     }
 
+    // The smallest rectangle around the pixels of a region that differ, once it has stopped changing.
+    static std::optional<AxRect> changeSince(const ScreenImage& before, AxRect region) {
+        std::optional<AxRect> box;
+        int times = 0;
+        await(3s, [&] {
+            const auto now = captureScreen();
+            const auto seen = now ? difference(before, *now, region) : std::nullopt;
+            times = seen && seen == box ? times + 1 : 0;
+            box = seen;
+            return times >= 3;
+        });
+        return box;
+    }
+
+    static std::optional<AxRect> difference(const ScreenImage& a, const ScreenImage& b, AxRect region) {
+        int left = a.width, top = a.height, right = -1, bottom = -1;
+        for (int y = static_cast<int>(region.minY()); y < static_cast<int>(region.maxY()); ++y)
+            for (int x = static_cast<int>(region.minX()); x < static_cast<int>(region.maxX()); ++x)
+                if (a.at(x, y) != b.at(x, y)) {
+                    left = std::min(left, x), right = std::max(right, x);
+                    top = std::min(top, y), bottom = std::max(bottom, y);
+                }
+        if (right < left) return std::nullopt;
+        return AxRect{{static_cast<double>(left), static_cast<double>(top)},
+                      {static_cast<double>(right - left + 1), static_cast<double>(bottom - top + 1)}};
+    }
+
     Keyboard keyboard_;
     std::optional<Fixture> fixture_;
     std::optional<Program> program_;
@@ -113,6 +141,20 @@ TEST_F(SearchTest, ReturnClicksTheOneControlThatWasNamedInQt6) {
     search("elder");
     confirm();
     expectOneClick({"Elder", 1, 1, ""});
+}
+
+TEST_F(SearchTest, TheMarkerStandsOnTheControlToThePixel) {
+    play("gtk3.py");
+    startProgram();
+    const Program::Step opened = program_->pressHotKey(keyboard_);
+    ASSERT_TRUE(program_->reached(milestone::candidatesRead, opened.pressed));
+    const auto before = captureScreen();
+    ASSERT_TRUE(before);
+    ASSERT_TRUE(program_->type(keyboard_, "hazel"));
+    // From the button on down: The Input, which changes too, stands above.
+    const AxRect frame = known("Hazel").frame;
+    const AxRect below{{0, frame.minY() - 10}, {before->width - 1.0, 200}};
+    EXPECT_EQ(changeSince(*before, below), frame);
 }
 
 TEST_F(SearchTest, DownGoesToTheNextTargetAndReturnClicksThat) {
