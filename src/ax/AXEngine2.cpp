@@ -2,8 +2,10 @@
 
 #include <array>
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
 #include <initializer_list>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -163,9 +165,13 @@ std::optional<std::int32_t> AXEngine2::focusedApplicationProcessIdentifier() con
     const AxResult<AxValue> focused = service_->attribute(service_->systemWide(), ax::focusedApplication);
     if (focused.status != AxStatus::success && focused.status != AxStatus::noValue) return std::nullopt;
     const auto* application = std::get_if<UIElement>(&focused.value);
-    // Somebody always has the focus; a service that says otherwise is broken beyond going on.
-    if (!application) std::abort();
-    return service_->pid(*application);
+    if (!application) {
+        // Somebody always has the focus; a service that says otherwise is broken beyond going on.
+        std::fputs("big issue: no focused application\n", stderr);
+        std::abort();
+    }
+    const std::optional<std::int32_t> pid = service_->pid(*application);
+    return pid == -1 ? std::nullopt : pid;
 }
 
 std::optional<UIElement> AXEngine2::windowToWalk(std::int32_t processIdentifier) const {
