@@ -1,11 +1,11 @@
 #include "search/MatchIndex.h"
 
-#include <string.h>  // memmem
 #include <unicode/regex.h>
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>
 
 #include <algorithm>
+#include <cstring>
 #include <memory>
 
 #include "base/Text.h"

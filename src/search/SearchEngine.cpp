@@ -44,7 +44,7 @@ OrderedSet<AccessibilityElement> SearchEngine::candidates(std::int32_t pid) cons
 }
 
 OrderedSet<AccessibilityElement> SearchEngine::windowElements(std::int32_t pid) const {
-    const OrderedSet<AccessibilityElement> all = axEngine_.frontmostWindowElements(pid);
+    OrderedSet<AccessibilityElement> all = axEngine_.frontmostWindowElements(pid);
     const bool dropsTrafficLights = !searchIncludesTrafficLightButtons_.value();
     const bool dropsBrowserChrome = ignoreSafariTabsAndURLs_.value();
     if (!dropsTrafficLights && !dropsBrowserChrome) return all;
