@@ -10,6 +10,19 @@ std::uint64_t microseconds(Milliseconds limit) {
     return static_cast<std::uint64_t>(std::chrono::microseconds(limit).count());
 }
 
+// A bus that takes connections and then says nothing would keep the first call waiting for minutes.
+bool getsReady(sd_bus* bus) {
+    const Clock::time_point deadline = Clock::now() + kConnectLimit;
+    for (;;) {
+        if (const int ready = sd_bus_is_ready(bus); ready != 0) return ready > 0;
+        const int processed = sd_bus_process(bus, nullptr);
+        if (processed < 0) return false;
+        if (processed > 0) continue;
+        const auto left = std::chrono::duration_cast<Milliseconds>(deadline - Clock::now());
+        if (left.count() <= 0 || sd_bus_wait(bus, microseconds(left)) < 0) return false;
+    }
+}
+
 }  // namespace
 
 Bus connectTo(const std::string& address, Peer peer) {
@@ -20,14 +33,17 @@ Bus connectTo(const std::string& address, Peer peer) {
     if (sd_bus_set_bus_client(raw, peer == Peer::messageBus) < 0) return nullptr;
     sd_bus_set_method_call_timeout(raw, microseconds(kConnectLimit));
     if (sd_bus_start(raw) < 0) return nullptr;
+    if (peer == Peer::messageBus && !getsReady(raw)) return nullptr;
     return bus;
 }
 
 Bus connectToSession() {
     sd_bus* raw = nullptr;
     if (sd_bus_open_user(&raw) < 0) return nullptr;
+    Bus bus(raw);
     sd_bus_set_method_call_timeout(raw, microseconds(kConnectLimit));
-    return Bus(raw);
+    if (!getsReady(raw)) return nullptr;
+    return bus;
 }
 
 std::optional<std::string> accessibilityBusAddress(sd_bus* session) {

@@ -24,7 +24,8 @@ using Milliseconds = std::chrono::milliseconds;
 // Whether an address names a message bus, which must be greeted, or one program's own socket.
 enum class Peer { messageBus, program };
 
-// Connects to a D-Bus address. Null when nobody listens there.
+// Connects to a D-Bus address. Null when nobody listens there, or a message bus doesn't greet back within half a
+// second. A program is not waited for: whether it answers shows at the first call.
 Bus connectTo(const std::string& address, Peer peer);
 // A connection of our own to the user's session bus. Null without one.
 Bus connectToSession();
