@@ -30,11 +30,7 @@ public:
     using Frame = std::function<void(const Reference&, std::function<void(std::optional<AxRect>)>)>;
 
     LongListSearch(std::int32_t count, AxRect clip, Child child, Frame frame, Visit visit)
-        : high_(std::min(count, kMostVisited)),
-          clip_(clip),
-          child_(std::move(child)),
-          frame_(std::move(frame)),
-          visit_(std::move(visit)) {}
+        : high_(count), clip_(clip), child_(std::move(child)), frame_(std::move(frame)), visit_(std::move(visit)) {}
 
     void narrow() {
         const std::int32_t length = high_ - low_;
@@ -89,7 +85,7 @@ private:
     }
 
     void visitAll() {
-        const auto count = static_cast<std::size_t>(std::max(0, high_ - low_));
+        const auto count = static_cast<std::size_t>(std::clamp(high_ - low_, 0, kMostVisited));
         found_.assign(count, std::nullopt);
         awaited_ = 1;
         for (std::size_t k = 0; k < count; ++k) {
