@@ -22,7 +22,9 @@ constexpr std::string_view kEmbedded = "\xEF\xBF\xBC";  // U+FFFC stands for a c
 constexpr std::size_t kLargeTree = 3'000;
 constexpr std::size_t kMostBoxesAtOnce = 800;
 constexpr std::size_t kLongList = 64;
-constexpr std::size_t kMostNodes = 30'000;  // no screen shows more; a tree that goes on for ever ends here
+// No screen shows more. A tree that goes on for ever ends here, before a walk of it runs out of stack.
+constexpr std::size_t kMostNodes = 30'000;
+constexpr int kDeepest = 500;
 
 // A match rule, which the call doesn't look at, and the properties wanted.
 int appendTreeArguments(sd_bus_message* m) {
@@ -181,7 +183,8 @@ Call TreeFetch::callTo(const Reference& reference, const char* interface, const 
 
 // -1 when the object is not to be visited.
 int TreeFetch::add(const Reference& reference, int parent, AxRect clip, Kind kind) {
-    if (tree_.size() >= kMostNodes) return -1;
+    const int depth = parent < 0 ? 0 : work_[static_cast<std::size_t>(parent)].depth + 1;
+    if (tree_.size() >= kMostNodes || depth > kDeepest) return -1;
     // An object of another process (a plug) can't be called on the application's own socket.
     if (direct_ && reference.bus != application_.bus) return -1;
     if (!met_.insert(reference.bus + reference.path).second) return -1;
@@ -196,6 +199,7 @@ int TreeFetch::add(const Reference& reference, int parent, AxRect clip, Kind kin
     }
     Work& work = work_.emplace_back();
     work.clip = clip;
+    work.depth = depth;
     work.kind = kind;
     return static_cast<int>(tree_.size()) - 1;
 }
@@ -230,7 +234,8 @@ void TreeFetch::visit(int index) {
     // While everything else of this step is sent, no step may be finished by an early answer.
     Work& work = work_[static_cast<std::size_t>(index)];
     ++work.awaited;
-    const auto seed = seed_.find(tree_[static_cast<std::size_t>(index)].reference.path);
+    const Reference& reference = tree_[static_cast<std::size_t>(index)].reference;
+    const auto seed = reference.bus == application_.bus ? seed_.find(reference.path) : seed_.end();
     if (seed != seed_.end() && seed->second.role != Role::invalid)
         takeFromSeed(index, seed->second);
     else

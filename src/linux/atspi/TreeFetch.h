@@ -59,6 +59,7 @@ private:
         AxRect clip;
         Kind kind = Kind::ordinary;
         int awaited = 0;
+        int depth = 0;  // below the frame
         bool refused = false;
         bool boxAsked = false;
         bool seeded = false;  // all but the box is known
