@@ -10,25 +10,29 @@ namespace {
 
 constexpr Milliseconds kBusLimit{300};  // for the bus itself and the registry, which never wait for an application
 constexpr std::chrono::seconds kWary{5};
+constexpr Milliseconds kWaryLimit{150};
 constexpr std::size_t kMostIdle = 2;
 
 Milliseconds left(Clock::time_point deadline) {
     return std::max(Milliseconds(1), std::chrono::duration_cast<Milliseconds>(deadline - Clock::now()));
 }
 
-Message getProperty(sd_bus* bus, const std::string& name, const std::string& path, const char* interface,
-                    const char* property, Milliseconds limit) {
+struct Told {
+    Message reply;  // null on any failure
+    bool timedOut = false;
+};
+
+Told getProperty(sd_bus* bus, const Reference& of, const char* interface, const char* property, Milliseconds limit) {
     sd_bus_message* raw = nullptr;
-    if (sd_bus_message_new_method_call(bus, &raw, name.c_str(), path.c_str(), "org.freedesktop.DBus.Properties",
+    if (sd_bus_message_new_method_call(bus, &raw, of.bus.c_str(), of.path.c_str(), "org.freedesktop.DBus.Properties",
                                        "Get") < 0)
-        return nullptr;
+        return {};
     const Message call(raw);
-    if (sd_bus_message_append(raw, "ss", interface, property) < 0) return nullptr;
+    if (sd_bus_message_append(raw, "ss", interface, property) < 0) return {};
     sd_bus_message* reply = nullptr;
-    if (sd_bus_call(bus, raw, static_cast<std::uint64_t>(std::chrono::microseconds(limit).count()), nullptr, &reply) <
-        0)
-        return nullptr;
-    return Message(reply);
+    const int r =
+        sd_bus_call(bus, raw, static_cast<std::uint64_t>(std::chrono::microseconds(limit).count()), nullptr, &reply);
+    return {Message(reply), r == -ETIMEDOUT};
 }
 
 Toolkit toolkitNamed(const std::string& toolkit, const std::string& application) {
@@ -106,19 +110,25 @@ std::optional<std::int32_t> Applications::pidOf(sd_bus* bus, const std::string& 
     return known_[name].pid;
 }
 
-Toolkit Applications::toolkitOf(sd_bus* bus, const std::string& name, const std::string& root, Milliseconds limit) {
+// Absent when the application doesn't answer.
+std::optional<Toolkit> Applications::toolkitOf(sd_bus* bus, const Reference& root, Clock::time_point deadline) {
     {
         const std::lock_guard lock(mutex_);
-        if (const auto found = known_.find(name); found != known_.end() && found->second.toolkit)
+        if (const auto found = known_.find(root.bus); found != known_.end() && found->second.toolkit)
             return *found->second.toolkit;
     }
-    const Message toolkit = getProperty(bus, name, root, "org.a11y.atspi.Application", "ToolkitName", limit);
-    const Message title = getProperty(bus, name, root, "org.a11y.atspi.Accessible", "Name", limit);
-    const std::optional<std::string> toolkitText = readVariantText(toolkit.get());
+    const Told toolkit = getProperty(bus, root, "org.a11y.atspi.Application", "ToolkitName", left(deadline));
+    const std::optional<std::string> toolkitText = readVariantText(toolkit.reply.get());
+    Told title;
+    if (toolkitText) title = getProperty(bus, root, "org.a11y.atspi.Accessible", "Name", left(deadline));
+    if (toolkit.timedOut || title.timedOut) {
+        noteTimeout(root.bus);
+        return std::nullopt;
+    }
     if (!toolkitText) return Toolkit::other;
-    const Toolkit answer = toolkitNamed(*toolkitText, readVariantText(title.get()).value_or(""));
+    const Toolkit answer = toolkitNamed(*toolkitText, readVariantText(title.reply.get()).value_or(""));
     const std::lock_guard lock(mutex_);
-    known_[name].toolkit = answer;
+    known_[root.bus].toolkit = answer;
     return answer;
 }
 
@@ -136,7 +146,8 @@ std::vector<Application> Applications::ofProcess(std::int32_t pid, Clock::time_p
     std::vector<Application> found;
     for (const Reference& each : present) {
         if (pidOf(lease->bus(), each.bus) != pid) continue;
-        found.push_back({each.bus, each.path, pid, toolkitOf(lease->bus(), each.bus, each.path, left(deadline))});
+        if (const auto toolkit = toolkitOf(lease->bus(), each, firstAnswerBy(each.bus, deadline)))
+            found.push_back({each.bus, each.path, pid, *toolkit});
     }
     return found;
 }
@@ -200,7 +211,9 @@ std::map<Role, std::string> Applications::roleWords(const std::string& bus) {
 
 void Applications::keepRoleWords(const std::string& bus, const std::map<Role, std::string>& words) {
     const std::lock_guard lock(mutex_);
-    known_[bus].roleWords.insert(words.begin(), words.end());
+    // One that didn't come is asked for again.
+    for (const auto& [role, word] : words)
+        if (!word.empty()) known_[bus].roleWords.emplace(role, word);
 }
 
 Paddings Applications::paddings(const std::string& bus) {
@@ -228,10 +241,11 @@ void Applications::noteTimeout(const std::string& bus) {
     known_[bus].timeout = Clock::now();
 }
 
-bool Applications::timedOutLately(const std::string& bus) {
+Clock::time_point Applications::firstAnswerBy(const std::string& bus, Clock::time_point deadline) {
     const std::lock_guard lock(mutex_);
     const auto& timeout = known_[bus].timeout;
-    return timeout && Clock::now() - *timeout < kWary;
+    const Clock::time_point now = Clock::now();
+    return timeout && now - *timeout < kWary ? std::min(deadline, now + kWaryLimit) : deadline;
 }
 
 }  // namespace tarvix::atspi

@@ -56,7 +56,8 @@ public:
     Applications(const Applications&) = delete;
     Applications& operator=(const Applications&) = delete;
 
-    // The applications that a process has on the bus, mostly one; empty when it shows none or there is no bus.
+    // The applications that a process has on the bus, mostly one; empty when it shows none or there is no bus. One that
+    // doesn't answer is none.
     std::vector<Application> ofProcess(std::int32_t pid, Clock::time_point deadline);
 
     // A connection on which this application's objects can be called: to the application itself where it offers that,
@@ -76,9 +77,10 @@ public:
     bool wasContacted(const std::string& bus);
     void noteContact(const std::string& bus);
 
-    // An application that has let a whole deadline pass is given little time for a while.
+    // An application that has let a whole deadline pass is given little time for its first answer for a while.
     void noteTimeout(const std::string& bus);
-    bool timedOutLately(const std::string& bus);
+    // `deadline`, or a moment before it.
+    Clock::time_point firstAnswerBy(const std::string& bus, Clock::time_point deadline);
 
 private:
     struct Known {
@@ -94,7 +96,7 @@ private:
 
     std::optional<std::string> busAddress();
     std::optional<std::int32_t> pidOf(sd_bus* bus, const std::string& name);
-    Toolkit toolkitOf(sd_bus* bus, const std::string& name, const std::string& root, Milliseconds limit);
+    std::optional<Toolkit> toolkitOf(sd_bus* bus, const Reference& root, Clock::time_point deadline);
     std::string addressOf(const Application& application, Milliseconds limit);
     void forgetOthers(const std::vector<Reference>& present);
 

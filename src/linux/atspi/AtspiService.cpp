@@ -109,6 +109,7 @@ AxResult<AxValue> AtspiService::systemAttribute(std::string_view name) {
     if (!active) return {AxStatus::noValue, {}};
     FetchOptions options;
     options.limit = kSingleRead;
+    options.waitsForTree = false;
     std::optional<WindowTree> tree = fetchWindow(applications_, *active, options);
     if (!tree) return {AxStatus::cannotComplete, {}};
     const TreeReads reads(std::move(*tree), *active);
@@ -164,6 +165,7 @@ AxResult<std::vector<AxValue>> AtspiService::attributes(const UIElement& element
         if (auto known = windowAttributes(*window, names)) return {AxStatus::success, std::move(*known)};
     FetchOptions options;
     options.limit = kSingleRead;
+    options.waitsForTree = false;
     std::optional<WindowTree> tree = fetchWindow(applications_, *window, options);
     if (!tree) return {AxStatus::cannotComplete, {}};
     TreeReads reads(std::move(*tree), *window);

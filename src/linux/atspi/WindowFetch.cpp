@@ -12,7 +12,6 @@ namespace tarvix::atspi {
 namespace {
 
 constexpr const char* kAccessible = "org.a11y.atspi.Accessible";
-constexpr Milliseconds kWaryLimit{150};      // for an application that has just let a whole deadline pass
 constexpr Milliseconds kFirstContact{2000};  // a browser makes its tree within that
 constexpr Milliseconds kBetweenReads{60};
 constexpr int kSteady = 3;
@@ -103,17 +102,30 @@ public:
         : applications_(applications), application_(application), window_(window), options_(options) {}
 
     std::optional<WindowTree> fetch(Clock::time_point deadline) {
+        const Clock::time_point first = applications_.firstAnswerBy(application_.bus, deadline);
         std::optional<Lease> lease =
-            options_.overBus ? applications_.connectOverBus() : applications_.connect(application_, deadline);
-        if (!lease) return std::nullopt;
+            options_.overBus ? applications_.connectOverBus() : applications_.connect(application_, first);
+        if (!lease || (first < deadline && !answers(*lease, first))) return std::nullopt;
         const bool onDemand = application_.toolkit == Toolkit::chromium || application_.toolkit == Toolkit::gecko;
-        const bool isFirst = !applications_.wasContacted(application_.bus);
-        std::optional<WindowTree> tree = onDemand && isFirst ? fetchFirst(*lease) : fetchOn(*lease, deadline);
-        if (tree) applications_.noteContact(application_.bus);
+        const bool isIncomplete = onDemand && !applications_.wasContacted(application_.bus);
+        const bool waits = isIncomplete && options_.waitsForTree;
+        std::optional<WindowTree> tree = waits ? fetchFirst(*lease) : fetchOn(*lease, deadline);
+        if (tree && (waits || !isIncomplete)) applications_.noteContact(application_.bus);
         return tree;
     }
 
 private:
+    bool answers(Lease& lease, Clock::time_point deadline) {
+        Pipeline pipeline(lease.bus(), deadline);
+        pipeline.send(callTo(lease, {application_.bus, application_.root}, kAccessible, "GetState"),
+                      [](sd_bus_message*) {});
+        pipeline.run();
+        if (!pipeline.timedOut() && !pipeline.lost()) return true;
+        lease.spoil();
+        if (pipeline.timedOut()) applications_.noteTimeout(application_.bus);
+        return false;
+    }
+
     std::optional<WindowTree> fetchOn(Lease& lease, Clock::time_point deadline) {
         Pipeline pipeline(lease.bus(), deadline, options_.mode);
         WindowTree result;
@@ -183,9 +195,8 @@ std::optional<WindowTree> fetchWindow(Applications& applications, const X11Windo
                                       const FetchOptions& options) {
     const Clock::time_point deadline = Clock::now() + options.limit;
     for (const Application& application : applications.ofProcess(window.pid, deadline)) {
-        const bool wary = applications.timedOutLately(application.bus);
         WindowFetcher fetcher(applications, application, window, options);
-        if (auto tree = fetcher.fetch(wary ? Clock::now() + kWaryLimit : deadline)) return tree;
+        if (auto tree = fetcher.fetch(deadline)) return tree;
     }
     return std::nullopt;
 }

@@ -23,6 +23,7 @@ struct FetchOptions {
     bool overBus = false;  // never the application's own socket
     bool bulk = true;      // all objects in one call where the toolkit can; else each by itself
     bool record = false;
+    bool waitsForTree = true;  // at a first contact, for what a toolkit makes on demand
     Milliseconds limit{1500};
 };
 
