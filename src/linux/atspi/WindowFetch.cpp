@@ -142,7 +142,8 @@ private:
             result.nodes = tree.takeTree();
         }
         result.calls = pipeline.sent();
-        if (pipeline.timedOut() || pipeline.lost()) lease.spoil();
+        isCutOff_ = pipeline.timedOut() || pipeline.lost();
+        if (isCutOff_) lease.spoil();
         if (pipeline.timedOut()) applications_.noteTimeout(application_.bus);
         lastFrame_ = frame;
         if (!frame) return std::nullopt;
@@ -162,7 +163,8 @@ private:
                 Pipeline pipeline(lease.bus(), deadline);
                 touch(pipeline, lease, lastFrame_->reference);
             }
-            if (next) last = std::move(next);
+            // The time may be up in the middle of a read; the one before it has more, then.
+            if (next && (!last || !isCutOff_ || count > showing(last->nodes))) last = std::move(next);
             times = count == seen ? times + 1 : 1;
             if ((times >= kSteady && count > kBareFrame) || Clock::now() + kBetweenReads >= deadline) return last;
             seen = count;
@@ -175,6 +177,7 @@ private:
     const X11Window& window_;
     const FetchOptions& options_;
     std::optional<FrameFound> lastFrame_;
+    bool isCutOff_ = false;
 };
 
 }  // namespace
