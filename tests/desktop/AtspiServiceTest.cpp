@@ -529,6 +529,17 @@ TEST_F(AtspiCallsTest, AnObjectOfAnotherProcessIsNotTakenForOneOfTheSamePath) {
     EXPECT_THAT(showing(fetch()), ElementsAre("fake", "a", "theirs"));
 }
 
+TEST_F(AtspiCallsTest, AWindowIsTheSameElementHoweverItWasReached) {
+    start("Qt");
+    addButtons(1);
+    fetch();
+    const auto children = std::get<std::vector<UIElement>>(reads_->attribute(root(), ax::visibleChildren).value);
+    ASSERT_THAT(children, SizeIs(1));
+    const UIElement above = std::get<UIElement>(reads_->attribute(children.front(), ax::parent).value);
+    EXPECT_EQ(above, root());
+    EXPECT_EQ(above.identity().hash(), root().identity().hash());
+}
+
 // --- Acting.
 
 class AtspiActionTest : public ServiceFixture {

@@ -29,8 +29,9 @@ public:
                (kind == Kind::object ? reference == o.reference : window == o.window);
     }
     std::size_t hash() const override {
-        return std::hash<std::string>{}(reference.bus + reference.path) ^ (static_cast<std::size_t>(window) << 8U) ^
-               static_cast<std::size_t>(pid) ^ static_cast<std::size_t>(kind);
+        const std::size_t which = kind == Kind::object ? std::hash<std::string>{}(reference.bus + reference.path)
+                                                       : static_cast<std::size_t>(window) << 8U;
+        return which ^ static_cast<std::size_t>(pid) ^ static_cast<std::size_t>(kind);
     }
 };
 

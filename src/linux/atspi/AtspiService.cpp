@@ -144,13 +144,11 @@ AxResult<AxValue> AtspiService::attribute(const UIElement& element, std::string_
         case AtspiElement::Kind::object:
             break;
     }
-    const std::string_view names[] = {name};
-    AxResult<std::vector<AxValue>> values = attributes(element, names);
-    if (!values.ok()) return {values.status, {}};
-    return {AxStatus::success, std::move(values.value.front())};
+    FoundInTree found = findInTree(of);
+    if (!found.element) return {found.status, {}};
+    return found.reads->attribute(*found.element, name);
 }
 
-// A single object is read with its window: that is one short fetch, and the object's box can be placed by nothing less.
 AxResult<std::vector<AxValue>> AtspiService::attributes(const UIElement& element,
                                                         std::span<const std::string_view> names) {
     const AtspiElement& of = identityOf(element);
@@ -159,23 +157,35 @@ AxResult<std::vector<AxValue>> AtspiService::attributes(const UIElement& element
         for (const std::string_view name : names) result.value.push_back(attribute(element, name).value);
         return result;
     }
-    const std::optional<X11Window> window = windows_.window(of.window);
-    if (!window) return {AxStatus::invalidElement, {}};
     if (of.kind == AtspiElement::Kind::window)
-        if (auto known = windowAttributes(*window, names)) return {AxStatus::success, std::move(*known)};
+        if (const std::optional<X11Window> window = windows_.window(of.window))
+            if (auto known = windowAttributes(*window, names)) return {AxStatus::success, std::move(*known)};
+    FoundInTree found = findInTree(of);
+    if (!found.element) return {found.status, {}};
+    return found.reads->attributes(*found.element, names);
+}
+
+// A single object is read with its window: that is one short fetch, and the object's box can be placed by nothing less.
+AtspiService::FoundInTree AtspiService::findInTree(const AtspiElement& of) {
+    const std::optional<X11Window> window = windows_.window(of.window);
+    if (!window) return {AxStatus::invalidElement, nullptr, std::nullopt};
     FetchOptions options;
     options.limit = kSingleRead;
     options.waitsForTree = false;
     std::optional<WindowTree> tree = fetchWindow(applications_, *window, options);
-    if (!tree) return {AxStatus::cannotComplete, {}};
-    TreeReads reads(std::move(*tree), *window);
-    if (of.kind == AtspiElement::Kind::window) return reads.attributes(element, names);
-    for (std::size_t i = 1; i < reads.nodes().size(); ++i) {
-        const Node& node = reads.nodes()[i];
-        if (node.reference == of.reference && node.synthetic == of.synthetic)
-            return reads.attributes(reads.elementOf(static_cast<int>(i)), names);
+    if (!tree) return {AxStatus::cannotComplete, nullptr, std::nullopt};
+    auto reads = std::make_unique<TreeReads>(std::move(*tree), *window);
+    if (of.kind == AtspiElement::Kind::window) {
+        const UIElement frame = reads->elementOf(0);
+        return {AxStatus::success, std::move(reads), frame};
     }
-    return {AxStatus::invalidElement, {}};
+    for (std::size_t i = 1; i < reads->nodes().size(); ++i) {
+        const Node& node = reads->nodes()[i];
+        if (node.reference != of.reference || node.synthetic != of.synthetic) continue;
+        const UIElement found = reads->elementOf(static_cast<int>(i));
+        return {AxStatus::success, std::move(reads), found};
+    }
+    return {AxStatus::invalidElement, nullptr, std::nullopt};
 }
 
 std::unique_ptr<AccessibilityReads> AtspiService::readAhead(const UIElement& root) {
@@ -273,7 +283,8 @@ std::optional<std::int32_t> AtspiService::pid(const UIElement& element) {
 
 std::optional<std::uint32_t> AtspiService::windowNumber(const UIElement& window) {
     const AtspiElement& of = identityOf(window);
-    return of.kind == AtspiElement::Kind::window ? std::optional(of.window) : std::nullopt;
+    const bool isThere = of.kind == AtspiElement::Kind::window && windows_.window(of.window);
+    return isThere ? std::optional(of.window) : std::nullopt;
 }
 
 bool AtspiService::isTrusted() {

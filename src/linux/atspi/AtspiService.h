@@ -13,6 +13,10 @@
 
 namespace tarvix {
 
+namespace atspi {
+class AtspiElement;
+}
+
 // Windows are X windows here: which one is the application's, where it stands, its title and whether it fills the
 // screen are answered by the X server at once, whatever the application is doing. What is inside a window is the
 // application's to tell: readAhead() fetches it whole, in one go. A read of a single object outside a walk fetches the
@@ -52,6 +56,13 @@ public:
 private:
     explicit AtspiService(X11Windows& windows) : windows_(windows) {}
 
+    // An element where it stands in its window's tree now.
+    struct FoundInTree {
+        AxStatus status;
+        std::unique_ptr<AccessibilityReads> reads;
+        std::optional<UIElement> element;  // absent unless status is success
+    };
+    FoundInTree findInTree(const atspi::AtspiElement& of);
     bool contact(std::int32_t pid);
     AxResult<AxValue> applicationAttribute(std::int32_t pid, std::string_view name);
     AxResult<AxValue> systemAttribute(std::string_view name);
