@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "core/KeyRouting.h"
-#include "simulated/SimulatedRunLoop.h"
 #include "simulated/SimulatedMilestones.h"
+#include "simulated/SimulatedRunLoop.h"
 
 namespace tarvix {
 namespace {
