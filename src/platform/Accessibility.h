@@ -145,7 +145,7 @@ public:
     // The window server's number of a window element.
     virtual std::optional<std::uint32_t> windowNumber(const UIElement& window) = 0;
 
-    // Whether this process may read other applications at all. Cheap.
+    // Whether this process may read other applications at all. Asks the desktop: not for every search.
     virtual bool isTrusted() = 0;
     // Asks the desktop for that privilege; the answer comes as a change of isTrusted. Main thread.
     virtual void askForTrust() = 0;

@@ -18,7 +18,7 @@ struct RunningApplication {
     friend bool operator==(const RunningApplication&, const RunningApplication&) = default;
 };
 
-// Main thread, but for frontmostApplication(), which any thread may ask.
+// Main thread, but for frontmostApplication() and ownBundleIdentifier(), which any thread may ask.
 class Workspace {
 public:
     virtual ~Workspace() = default;

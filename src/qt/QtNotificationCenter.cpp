@@ -16,6 +16,10 @@ bool haveSessionBus() {
 
 }  // namespace
 
+QtNotificationCenter::QtNotificationCenter() {
+    if (haveSessionBus()) QDBusConnection::sessionBus();
+}
+
 void QtNotificationCenter::post(std::string_view name) {
     if (!haveSessionBus()) return;
     const QString member = QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size()));

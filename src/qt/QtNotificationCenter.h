@@ -9,6 +9,8 @@ namespace tarvix {
 // a session bus nothing is posted.
 class QtNotificationCenter : public NotificationCenter {
 public:
+    // Connects now, which may wait for the bus, so that no search does.
+    QtNotificationCenter();
     void post(std::string_view name) override;
 };
 

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -130,7 +129,7 @@ TEST(Listeners, MayCallTheListAgain) {
 }
 
 TEST(Listeners, ATokenMayOutliveTheList) {
-    std::optional<Listeners<>> listeners(std::in_place);
+    auto listeners = std::make_unique<Listeners<>>();
     const Subscription token = listeners->add([] {});
     listeners.reset();
     EXPECT_TRUE(token);

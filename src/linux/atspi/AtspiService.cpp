@@ -13,7 +13,9 @@ using namespace atspi;
 namespace {
 
 constexpr Milliseconds kSingleRead{150};  // of one object outside a walk; the keyboard may be ours meanwhile
-constexpr Milliseconds kAtPoint{300};
+// Both on the main thread while a search is up, one after the other; its way out must stay open.
+constexpr Milliseconds kAtPoint{50};
+constexpr Milliseconds kPress{50};
 constexpr int kDeepest = 64;
 
 // The reads below a window that can't be read.
@@ -258,7 +260,7 @@ AxStatus AtspiService::perform(const UIElement& element, std::string_view action
     if (action != ax::press || of.kind != AtspiElement::Kind::object) return AxStatus::actionUnsupported;
     std::optional<Lease> lease = applications_.connectOverBus();
     if (!lease) return AxStatus::apiDisabled;
-    Pipeline pipeline(lease->bus(), Clock::now() + kAtPoint);
+    Pipeline pipeline(lease->bus(), Clock::now() + kPress);
     Call call;
     call.destination = of.reference.bus;
     call.path = of.reference.path;

@@ -37,8 +37,9 @@ public:
                                               std::span<const std::string_view> names) override;
     AxResult<AxValue> parameterizedAttribute(const UIElement& element, std::string_view name,
                                              const AxValue& argument) override;
-    // At most 0.3 seconds.
+    // At most 50 milliseconds, for the application's part.
     AxResult<std::optional<UIElement>> elementAt(AxPoint point) override;
+    // Waits 50 milliseconds for the application's word; what it does later it does all the same.
     AxStatus perform(const UIElement& element, std::string_view action) override;
     std::optional<std::int32_t> pid(const UIElement& element) override;
     std::optional<std::uint32_t> windowNumber(const UIElement& window) override;

@@ -1,5 +1,6 @@
 #include "linux/x11/X11Events.h"
 
+#include <xcb/shape.h>
 #include <xcb/xinput.h>
 #include <xcb/xtest.h>
 
@@ -61,6 +62,7 @@ unsigned X11Events::fake(std::uint8_t type, std::uint8_t detail, std::int16_t x,
 bool X11Events::post(const MouseEvent& event) {
     const auto x = pixelOf(event.point.x), y = pixelOf(event.point.y);
     if (!x || !y || !x_.isAlive()) return false;
+    clickThroughPanel();
     const auto row = std::ranges::find(kButtons, event.type, &ButtonRow::type);
     if (row == kButtons.end()) {
         fake(XCB_MOTION_NOTIFY, 0, *x, *y);
@@ -78,6 +80,21 @@ bool X11Events::post(const MouseEvent& event) {
     }
     x_.flush();
     return true;
+}
+
+void X11Events::setPanel(std::uint32_t panel) {
+    panel_ = panel;
+    if (panel == 0 || panel != clickedThrough_) return;
+    xcb_shape_mask(x_.get(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT, panel, 0, 0, XCB_NONE);
+    clickedThrough_ = 0;
+}
+
+// The server works through what is posted at once, before the panel could be put away.
+void X11Events::clickThroughPanel() {
+    if (panel_ == 0 || clickedThrough_ == panel_) return;
+    clickedThrough_ = panel_;
+    xcb_shape_rectangles(x_.get(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT, XCB_CLIP_ORDERING_UNSORTED, panel_, 0, 0, 0,
+                         nullptr);
 }
 
 std::uint8_t X11Events::setModifiers(std::uint64_t flags) {

@@ -27,6 +27,10 @@ public:
     bool post(const KeyEvent& event) override;
     Subscription monitorKeyDown(std::function<Verdict(const KeyEvent&)> seen) override;
 
+    // A panel of ours that lies over the applications and takes clicks itself; none (0) where there is no such panel.
+    // What is posted from now on goes through it, from its first event on: it takes clicks again when it is set anew.
+    void setPanel(std::uint32_t panel);
+
     // What the monitor says to a key press; pass where there is none. The monitor may do anything meanwhile, ending the
     // panel's hold of the keyboard included.
     Verdict offer(const KeyEvent& event);
@@ -39,6 +43,7 @@ public:
 private:
     X11Events(X11Connection& connection, bool hasXInput);
     unsigned fake(std::uint8_t type, std::uint8_t detail, std::int16_t x = 0, std::int16_t y = 0);
+    void clickThroughPanel();
     // Has the applications see exactly these modifiers. What has been locked for it is returned.
     std::uint8_t setModifiers(std::uint64_t flags);
     void liftKeys(std::uint8_t mask, const std::vector<std::uint16_t>& devices);
@@ -46,6 +51,8 @@ private:
     X11Connection& x_;
     std::optional<X11StandIns> standIns_;  // with XInput
     X11Modifiers modifiers_;
+    std::uint32_t panel_ = 0;
+    std::uint32_t clickedThrough_ = 0;  // the panel whose input shape is empty
     std::vector<unsigned> ownPresses_;
     std::shared_ptr<std::function<Verdict(const KeyEvent&)>> monitor_;
     Subscription events_;

@@ -18,8 +18,8 @@ using Handled = X11Connection::Handled;
 namespace {
 
 constexpr auto kRetryStep = std::chrono::milliseconds(10);
-constexpr int kTries = 31;                                   // 300 ms at most
-constexpr auto kBusyLimit = std::chrono::milliseconds(250);  // then a panel is taken to have missed its key
+constexpr int kTries = 31;                                  // 300 ms at most
+constexpr auto kBusyLimit = std::chrono::milliseconds(80);  // then a panel is taken to have missed its key
 
 constexpr std::uint32_t kKeyMask = XCB_INPUT_XI_EVENT_MASK_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_KEY_RELEASE;
 
@@ -67,6 +67,7 @@ bool X11Keyboard::takeKeyboard(std::uint32_t window, std::function<void()> lost)
     sendFocus(x_, window, PanelFocus::in);
     x_.flush();
     taken_ = std::move(taken);
+    panelKeys_.setPanel(window);
     return x_.isAlive();
 }
 
@@ -148,6 +149,7 @@ void X11Keyboard::releaseKeyboard() {
     if (taken_->way == Way::eachKeyboard) noteStates();
     const Taken taken = std::move(*taken_);
     taken_.reset();
+    panelKeys_.setPanel(0);
 
     X11KeyEvent up;
     for (std::size_t k = 0; k < taken.forwarded.size(); ++k) {
