@@ -13,9 +13,10 @@
 
 namespace tarvix::atspi {
 
-inline constexpr std::size_t kLongestName = 2'000;    // bytes
-inline constexpr std::int32_t kLongestText = 4'000;   // characters asked for
-inline constexpr std::size_t kMostChildren = 20'000;  // of one object
+inline constexpr std::size_t kLongestName = 2'000;       // bytes
+inline constexpr std::int32_t kLongestText = 4'000;      // characters asked for of a document
+inline constexpr std::size_t kLongestTextBytes = 4'000;  // kept of any text
+inline constexpr std::size_t kMostChildren = 20'000;     // of one object
 
 // The text, cut at a whole character when it is longer than `limit` bytes.
 std::string bounded(const char* text, std::size_t limit);

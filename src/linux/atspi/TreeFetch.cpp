@@ -49,6 +49,12 @@ bool isSurface(Role role) {
            role == Role::toolTip || role == Role::frame || role == Role::alert;
 }
 
+constexpr std::int32_t kToTheEnd = -1;
+
+bool mayBeLong(const Node& node) {
+    return node.has(State::multiLine) || node.role == Role::terminal || node.role == Role::documentText;
+}
+
 bool isEmpty(RawBox box) { return box.width <= 0 || box.height <= 0; }
 
 AxRect intersection(AxRect a, AxRect b) {
@@ -424,17 +430,7 @@ void TreeFetch::askDetails(int index) {
     const auto i = static_cast<std::size_t>(index);
     const Node& node = tree_[i];
     askRoleWord(index);
-    if (wantsText(application_.toolkit, node)) {
-        Call call = callTo(node.reference, kText, "GetText");
-        call.signature = "ii";
-        // GTK 4.8 answers an end of -1 with nothing, Gecko one beyond the text.
-        const bool toTheEnd = application_.toolkit == Toolkit::gecko;
-        call.integers[1] = toTheEnd ? -1 : application_.toolkit == Toolkit::gtk4 ? 2147483647 : -1;
-        pipeline_.send(std::move(call), [this, index, i](sd_bus_message* reply) {
-            tree_[i].text = readText(reply, static_cast<std::size_t>(kLongestText)).value_or("");
-            if (tree_[i].text.find(kEmbedded) != std::string::npos) askOwnTextBox(index);
-        });
-    }
+    if (wantsText(application_.toolkit, node)) mayBeLong(node) ? askTextLength(index) : askText(index, kToTheEnd);
     if (wantsValue(node)) {
         Call call = callTo(node.reference, kProperties, "Get");
         call.signature = "ss";
@@ -453,6 +449,29 @@ void TreeFetch::askDetails(int index) {
         (node.role == Role::entry || node.role == Role::text || node.role == Role::passwordText))
         pipeline_.send(callTo(node.reference, kAccessible, "GetAttributes"),
                        [this, i](sd_bus_message* reply) { tree_[i].attributes = readAttributes(reply); });
+}
+
+// A text that may be a whole document is asked for up to a length only, and that length must not be more than there is.
+void TreeFetch::askTextLength(int index) {
+    Call call = callTo(tree_[static_cast<std::size_t>(index)].reference, kProperties, "Get");
+    call.signature = "ss";
+    call.texts[0] = kText;
+    call.texts[1] = "CharacterCount";
+    pipeline_.send(std::move(call), [this, index](sd_bus_message* reply) {
+        askText(index, std::min(readVariantInteger(reply).value_or(0), kLongestText));
+    });
+}
+
+void TreeFetch::askText(int index, std::int32_t end) {
+    const auto i = static_cast<std::size_t>(index);
+    Call call = callTo(tree_[i].reference, kText, "GetText");
+    call.signature = "ii";
+    // GTK 4.8 answers an end of -1 with nothing, Gecko one beyond the text.
+    call.integers[1] = end == kToTheEnd && application_.toolkit == Toolkit::gtk4 ? 2147483647 : end;
+    pipeline_.send(std::move(call), [this, index, i](sd_bus_message* reply) {
+        tree_[i].text = readText(reply, kLongestTextBytes).value_or("");
+        if (tree_[i].text.find(kEmbedded) != std::string::npos) askOwnTextBox(index);
+    });
 }
 
 void TreeFetch::askRoleWord(int index) {

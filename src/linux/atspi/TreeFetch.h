@@ -81,6 +81,8 @@ private:
     void onChildren(int index);
     void onCells(int index);
     void askDetails(int index);
+    void askTextLength(int index);
+    void askText(int index, std::int32_t end);
     void askRoleWord(int index);
     void askOwnTextBox(int index);
     void descend(int index);
