@@ -255,7 +255,11 @@ int AtspiFake::appendAnswer(sd_bus_message* m, sd_bus_message* call, const FakeO
         return sd_bus_message_append(m, "(iiii)", of.box.x, of.box.y, of.box.width, of.box.height);
     if (member == "GetAccessibleAtPoint" && of.hit && sd_bus_message_read(call, "ii", &x, &y) > 0)
         return appendReference(m, of.hit(x, y));
-    if (member == "GetText" && offers("Text")) return sd_bus_message_append(m, "s", of.text.c_str());
+    if (member == "GetText" && offers("Text") && sd_bus_message_read(call, "ii", &x, &y) > 0) {
+        if (of.mostText >= 0 && (y < 0 || y - x > of.mostText)) return -EINVAL;
+        return sd_bus_message_append(
+            m, "s", of.mostText < 0 ? of.text.c_str() : of.text.substr(0, static_cast<std::size_t>(y)).c_str());
+    }
     if (member == "DoAction" && offers("Action") && sd_bus_message_read(call, "i", &x) > 0)
         return sd_bus_message_append(m, "b", x == 0);
     if (member == "GetTree" && object == "frame") return appendTree(m);
@@ -268,6 +272,8 @@ int AtspiFake::appendProperty(sd_bus_message* m, const FakeObject& of, const std
     if (property == "Name") return sd_bus_message_append(m, "v", "s", of.name.c_str());
     if (property == "Description") return sd_bus_message_append(m, "v", "s", "");
     if (property == "ChildCount") return sd_bus_message_append(m, "v", "i", countOf(of));
+    if (property == "CharacterCount")
+        return sd_bus_message_append(m, "v", "i", static_cast<std::int32_t>(of.text.size()));
     if (property == "NRows" && of.rows > 0) return sd_bus_message_append(m, "v", "i", of.rows);
     if (property == "NColumns" && of.rows > 0) return sd_bus_message_append(m, "v", "i", of.columns);
     return -ENOENT;

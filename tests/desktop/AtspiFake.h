@@ -25,8 +25,9 @@ struct FakeObject {
     std::vector<std::string> interfaces = {"Component"};
     bool showing = true;
     bool managesDescendants = false;
-    std::string text = {};
-    std::int32_t index = -1;  // in its parent
+    std::string text = {};       // ASCII
+    std::int32_t mostText = -1;  // more characters in one call are refused; -1: the whole text is given
+    std::int32_t index = -1;     // in its parent
     // What a test wants to go wrong, by the name of the call or property.
     std::set<std::string> refused = {};                     // answered with an error
     std::set<std::string> nonsense = {};                    // answered with a number of no kind that is asked for

@@ -318,7 +318,23 @@ TEST_F(AtspiAnswerTest, OverlongTextsAreCut) {
     ASSERT_THAT(childrenOf(tree, "fake"), SizeIs(3));
     const Node& node = tree[static_cast<std::size_t>(tree[0].children[1])];
     EXPECT_EQ(node.name, std::string(kLongestName, 'n'));
-    EXPECT_EQ(node.text, std::string(static_cast<std::size_t>(kLongestText), 't'));
+    EXPECT_EQ(node.text, std::string(kLongestTextBytes, 't'));
+}
+
+TEST_F(AtspiAnswerTest, OfADocumentNoMoreTextIsAskedForThanIsKept) {
+    FakeObject terminal = panel("terminal");
+    terminal.role = Role::terminal;
+    terminal.interfaces = {"Component", "Text"};
+    terminal.text = std::string(1'000'000, 't');
+    terminal.mostText = kLongestText;
+    app_->set("odd", terminal);
+    const NodeTree tree = fetch();
+    ASSERT_THAT(childrenOf(tree, "fake"), SizeIs(3));
+    EXPECT_EQ(tree[static_cast<std::size_t>(tree[0].children[1])].text, std::string(kLongestTextBytes, 't'));
+    terminal.text = "short";
+    app_->set("odd", terminal);
+    const NodeTree again = fetch();
+    EXPECT_EQ(again[static_cast<std::size_t>(again[0].children[1])].text, "short");
 }
 
 // --- Applications that stop.
