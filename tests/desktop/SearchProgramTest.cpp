@@ -181,8 +181,16 @@ TEST_F(SearchTest, ReturnClicksTheOneControlThatWasNamedInQt6) {
 TEST_F(SearchTest, TheMarkerStandsOnTheControlToThePixel) {
     play("gtk3.py");
     startProgram();
+    const auto bright = captureScreen();
+    ASSERT_TRUE(bright);
     const Program::Step opened = program_->pressHotKey(keyboard_);
     ASSERT_TRUE(program_->reached(milestone::candidatesRead, opened.pressed));
+    // The compositor shows the dimming when it comes to it.
+    const AxRect corner{{bright->width - 20.0, bright->height - 20.0}, {20, 20}};
+    ASSERT_TRUE(await(3s, [&] {
+        const auto now = captureScreen();
+        return now && difference(*bright, *now, corner) == corner;
+    }));
     const auto before = captureScreen();
     ASSERT_TRUE(before);
     ASSERT_TRUE(program_->type(keyboard_, "hazel"));
