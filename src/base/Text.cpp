@@ -10,17 +10,11 @@
 #include <algorithm>
 #include <memory>
 
+#include "base/Unicode.h"
+
 namespace tarvix {
 
 namespace {
-
-bool isAscii(std::string_view text) {
-    return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80U; });
-}
-
-icu::UnicodeString toUtf16(std::string_view text) {
-    return icu::UnicodeString::fromUTF8(icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size())));
-}
 
 std::string toUtf8(const icu::UnicodeString& text) {
     std::string result;

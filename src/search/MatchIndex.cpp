@@ -9,20 +9,13 @@
 #include <memory>
 
 #include "base/Text.h"
+#include "base/Unicode.h"
 
 namespace tarvix {
 
 namespace {
 
 constexpr char kSeparator = '\xFF';  // in no UTF-8 text
-
-icu::UnicodeString toUtf16(std::string_view text) {
-    return icu::UnicodeString::fromUTF8(icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size())));
-}
-
-bool isAscii(std::string_view text) {
-    return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80U; });
-}
 
 bool isAsciiWord(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';

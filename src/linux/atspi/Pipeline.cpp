@@ -70,7 +70,6 @@ int Pipeline::onReply(sd_bus_message* reply, void* pending, sd_bus_error*) {
     auto& entry = *static_cast<Pending*>(pending);
     Pipeline& self = *entry.owner;
     --self.outstanding_;
-    ++self.answered_;
     const Handler handler = std::move(entry.handler);
     entry.slot.reset();
     handler(sd_bus_message_is_method_error(reply, nullptr) ? nullptr : reply);
@@ -101,7 +100,6 @@ void Pipeline::callAndWait(const Call& call, const Handler& handler) {
     if (r == -ETIMEDOUT) timedOut_ = true;
     if (r == -ENOTCONN || r == -ECONNRESET) lost_ = true;
     if (timedOut_ || lost_) return;
-    ++answered_;
     handler(r < 0 ? nullptr : reply.get());
 }
 

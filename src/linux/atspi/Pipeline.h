@@ -42,7 +42,6 @@ public:
     void run();
 
     std::size_t sent() const { return sent_; }
-    std::size_t answered() const { return answered_; }
     bool timedOut() const { return timedOut_; }
     bool lost() const { return lost_; }
 
@@ -68,7 +67,7 @@ private:
     // Slots are given back with their entries, so that a late reply finds no handler.
     std::deque<Pending> pending_;
     std::deque<std::pair<Call, Handler>> waiting_;  // beyond the limit of calls under way
-    std::size_t sent_ = 0, answered_ = 0, outstanding_ = 0;
+    std::size_t sent_ = 0, outstanding_ = 0;
     bool timedOut_ = false, lost_ = false;
     std::vector<Call>* record_ = nullptr;
 };

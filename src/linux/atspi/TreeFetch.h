@@ -44,7 +44,6 @@ public:
     void run(const Reference& frame, Bulk bulk = Bulk::allowed);
 
     NodeTree takeTree() { return std::move(tree_); }
-    const NodeTree& tree() const { return tree_; }
     // The words for the roles that were met, those given at creation included.
     const std::map<Role, std::string>& roleWords() const { return roleWords_; }
     // Likewise the widths of borders.
