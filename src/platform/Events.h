@@ -1,8 +1,10 @@
-// Mouse and key events: posting them, and seeing the keys that are about to reach a panel of ours.
+// Mouse and key events: posting them, seeing the keys that are about to reach a panel of ours, and the pointer and the
+// wheel wherever they go.
 #pragma once
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 
 #include "base/Geometry.h"
@@ -60,6 +62,42 @@ public:
     // Offers each key press that is about to reach one of our panels, before the panel sees it; a consumed one never
     // reaches it. One monitor at a time.
     [[nodiscard]] virtual Subscription monitorKeyDown(std::function<Verdict(const KeyEvent&)> seen) = 0;
+};
+
+// A view of the pointer and the wheel over the whole desktop, wherever their events go.
+enum class TapEventType : std::int8_t { disabledByTimeout = -2, mouseMoved = 5, scrollWheel = 22 };
+
+// What becomes of the wheel while the tap is enabled.
+enum class WheelFate : std::uint8_t {
+    passes,  // and nobody looks: costs nothing
+    seen,    // each step is told, and goes on to the application unharmed
+    swallowed
+};
+
+// What a tap looks at. A desktop has to know beforehand: it can't hold an event back until somebody has decided.
+struct TapInterest {
+    bool moves = false;
+    WheelFate wheel = WheelFate::passes;
+    friend bool operator==(TapInterest, TapInterest) = default;
+};
+
+// Main thread. Ends with its destruction.
+class EventTap {
+public:
+    virtual ~EventTap() = default;
+    // A disabled tap sees and swallows nothing. Enabled to begin with.
+    virtual void enable(bool isEnabled) = 0;
+    // Nothing at all to begin with.
+    virtual void setInterest(TapInterest interest) = 0;
+};
+
+// Main thread.
+class EventTaps {
+public:
+    virtual ~EventTaps() = default;
+    // `seen` is told each event of the tap's interest; what it answers to a wheel step agrees with the wheel's fate,
+    // which decides. Null when there can be no tap.
+    [[nodiscard]] virtual std::unique_ptr<EventTap> createEventTap(std::function<Verdict(TapEventType)> seen) = 0;
 };
 
 }  // namespace tarvix
