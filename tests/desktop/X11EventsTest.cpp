@@ -18,7 +18,8 @@ protected:
         EXPECT_TRUE(events->post(mouse(MouseEventType::leftMouseUp, point, flags)));
         connection->sync();
     }
-    // A window manager may look at a click before the application gets it.
+    // A window manager may look at a click before the application gets it, and hand it on with the modifiers of that
+    // later time: what is held has to be held until the click is here.
     Lines takeButtons(Lines::size_type count) {
         Lines buttons;
         loop.runUntil([&] {
@@ -70,8 +71,8 @@ TEST_F(X11EventsOnDesktop, APointThatIsNowherePostsNothing) {
 TEST_F(X11EventsOnDesktop, ModifiersThatAreHeldStayInEffect) {
     hardware.keyDown(key::control);
     click({150, 150});
-    hardware.keyUp(key::control);
     EXPECT_EQ(takeButtons(2), (Lines{"button down 1 with 4", "button up 1 with 4"}));
+    hardware.keyUp(key::control);
 }
 
 TEST_F(X11EventsOnDesktop, ModifiersThatAreHeldStayInEffectWhileThePanelHasTheKeyboard) {
@@ -79,12 +80,13 @@ TEST_F(X11EventsOnDesktop, ModifiersThatAreHeldStayInEffectWhileThePanelHasTheKe
     hardware.keyDown(key::shift);
     hardware.keyDown(key::super);
     click({150, 150});
+    EXPECT_EQ(takeButtons(2), (Lines{"button down 1 with 65", "button up 1 with 65"}));
     hardware.keyUp(key::super);
     click({150, 150});
+    EXPECT_EQ(takeButtons(2), (Lines{"button down 1 with 1", "button up 1 with 1"}));
     hardware.keyUp(key::shift);
     click({150, 150});
-    EXPECT_EQ(takeButtons(6), (Lines{"button down 1 with 65", "button up 1 with 65", "button down 1 with 1",
-                                     "button up 1 with 1", "button down 1", "button up 1"}));
+    EXPECT_EQ(takeButtons(2), (Lines{"button down 1", "button up 1"}));
     settle();
     EXPECT_EQ(losses, 0) << "a click of our own takes nothing away";
 }
