@@ -19,6 +19,7 @@
 #include "linux/x11/X11Workspace.h"
 #include "platform/Platform.h"
 #include "qt/MilestoneFile.h"
+#include "qt/QtApplication.h"
 #include "qt/QtNotificationCenter.h"
 #include "qt/QtPanels.h"
 #include "qt/QtPasteboard.h"
@@ -82,6 +83,7 @@ int run(std::unique_ptr<X11Windows> windows) {
     QtRunLoop runLoop;
     MilestoneFile milestones(qEnvironmentVariable("TARVIX_MILESTONES").toStdString());
     QtUserDefaults userDefaults(QtUserDefaults::standardPath());
+    QtApplication thisProgram(QtUserDefaults::standardPath());
     QtPasteboard pasteboard;
     QtNotificationCenter notificationCenter;
 
@@ -100,9 +102,9 @@ int run(std::unique_ptr<X11Windows> windows) {
         if (event == HotKeyEvent::pressed) milestones.reached(milestone::hotKeyPressed, 0);
     });
 
-    const Platform platform{*accessibility, *workspace,         *windowServer, *screens, *events,
-                            *hotKeys,       *inputSources,      panels,        runLoop,  userDefaults,
-                            pasteboard,     notificationCenter, milestones};
+    const Platform platform{*accessibility, thisProgram, *workspace,         *windowServer, *screens,
+                            *events,        *hotKeys,    *inputSources,      panels,        runLoop,
+                            userDefaults,   pasteboard,  notificationCenter, milestones};
     AppCore core(platform);
     if (!accessibility->isTrusted()) accessibility->askForTrust();
     core.start();

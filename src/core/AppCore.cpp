@@ -32,8 +32,9 @@ void AppCore::makeServices() {
     theInput_ = std::make_unique<TheInput>(platform_, *displayEngine_, *tarvixEngine_, *sauce_);
     keyboardShortcuts_ = std::make_unique<KeyboardShortcuts>(platform_.userDefaults, platform_.hotKeys);
     keyboardShortcuts_->define(toggleWith);
+    keyRouting_ = std::make_unique<KeyRouting>(platform_, *tarvixEngine_, *theInput_, preloading_);
     localMonitorController_ =
-        std::make_unique<LocalMonitorController>(platform_.events, *sauce_, *tarvixEngine_, *theInput_, preloading_);
+        std::make_unique<LocalMonitorController>(platform_.events, *sauce_, *theInput_, *keyRouting_);
 }
 
 // The handlers go first, so that a second start doesn't leave two of them.

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "KeyboardShortcuts/KeyboardShortcuts.h"
+#include "core/KeyRouting.h"
 #include "core/LocalMonitorController.h"
 #include "core/Preloading.h"
 #include "core/TarvixEngine.h"
@@ -43,6 +44,7 @@ private:
     std::unique_ptr<TarvixEngine> tarvixEngine_;
     std::unique_ptr<TheInput> theInput_;
     std::unique_ptr<KeyboardShortcuts> keyboardShortcuts_;
+    std::unique_ptr<KeyRouting> keyRouting_;
     std::unique_ptr<LocalMonitorController> localMonitorController_;
 };
 

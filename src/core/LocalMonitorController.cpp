@@ -4,9 +4,9 @@
 
 namespace tarvix {
 
-LocalMonitorController::LocalMonitorController(Events& events, const Sauce& sauce, TarvixEngineProtocol& engine,
-                                               TheInputProtocol& theInput, Preloading& preloading)
-    : events_(events), sauce_(sauce), engine_(engine), theInput_(theInput), preloading_(preloading) {}
+LocalMonitorController::LocalMonitorController(Events& events, const Sauce& sauce, const TheInputProtocol& theInput,
+                                               KeyRouting& keyRouting)
+    : events_(events), sauce_(sauce), theInput_(theInput), keyRouting_(keyRouting) {}
 
 void LocalMonitorController::installLocalMonitor() {
     removeLocalMonitor();
@@ -16,7 +16,7 @@ void LocalMonitorController::installLocalMonitor() {
 Verdict LocalMonitorController::seen(const KeyEvent& event) {
     const auto keyCombination = KeyCombinationAdaptor::fromCGEvent(event, sauce_);
     if (!keyCombination || !theInput_.isVisible()) return Verdict::pass;
-    return handleKey(*keyCombination, engine_, theInput_, preloading_) ? Verdict::consume : Verdict::pass;
+    return keyRouting_.handleKey(*keyCombination) ? Verdict::consume : Verdict::pass;
 }
 
 }  // namespace tarvix

@@ -10,8 +10,8 @@ namespace tarvix {
 // Main thread; what is given outlives it. It passes everything while The Input isn't visible.
 class LocalMonitorController {
 public:
-    LocalMonitorController(Events& events, const Sauce& sauce, TarvixEngineProtocol& engine, TheInputProtocol& theInput,
-                           Preloading& preloading);
+    LocalMonitorController(Events& events, const Sauce& sauce, const TheInputProtocol& theInput,
+                           KeyRouting& keyRouting);
 
     // Never leaves two monitors.
     void installLocalMonitor();
@@ -23,9 +23,8 @@ private:
 
     Events& events_;
     const Sauce& sauce_;
-    TarvixEngineProtocol& engine_;
-    TheInputProtocol& theInput_;
-    Preloading& preloading_;
+    const TheInputProtocol& theInput_;
+    KeyRouting& keyRouting_;
     Subscription monitor_;
 };
 

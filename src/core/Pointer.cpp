@@ -1,7 +1,8 @@
 #include "core/Pointer.h"
 
+#include <array>
+
 #include "platform/Accessibility.h"
-#include "platform/Events.h"
 #include "platform/Screens.h"
 
 namespace tarvix {
@@ -9,6 +10,17 @@ namespace tarvix {
 namespace {
 
 constexpr double kLinkInset = 9;
+
+struct ButtonRow {
+    MouseEventType down, up;
+    int number;
+};
+
+// In the order of the cases of MouseButton.
+constexpr std::array<ButtonRow, 2> kButtons = {{
+    {MouseEventType::leftMouseDown, MouseEventType::leftMouseUp, 0},
+    {MouseEventType::rightMouseDown, MouseEventType::rightMouseUp, 1},
+}};
 
 }  // namespace
 
@@ -34,14 +46,21 @@ void Pointer::postMove(AxPoint point) const {
 }
 
 void Pointer::postClick(MouseButton button, AxPoint point) const {
-    const bool right = button == MouseButton::right;
-    MouseEvent event{.type = right ? MouseEventType::rightMouseDown : MouseEventType::leftMouseDown,
-                     .point = point,
-                     .button = right ? 1 : 0,
-                     .clickState = 1};
-    platform_.events.post(event);
-    event.type = right ? MouseEventType::rightMouseUp : MouseEventType::leftMouseUp;
-    platform_.events.post(event);
+    postDownAndUp({.point = point, .clickState = 1}, button);
+}
+
+void Pointer::postDoubleClick(MouseButton button, AxPoint point) const {
+    postMove(point);
+    for (const int clickState : {1, 2}) postDownAndUp({.point = point, .clickState = clickState, .flags = 0}, button);
+}
+
+void Pointer::postDownAndUp(MouseEvent event, MouseButton button) const {
+    const ButtonRow& row = kButtons.at(static_cast<std::size_t>(button));
+    event.button = row.number;
+    for (const MouseEventType type : {row.down, row.up}) {
+        event.type = type;
+        platform_.events.post(event);
+    }
 }
 
 void Pointer::pressAt(AxPoint point) const {

@@ -5,6 +5,7 @@
 
 #include "ax/AccessibilityElement.h"
 #include "core/TarvixEngineProtocol.h"
+#include "platform/Events.h"
 #include "platform/Platform.h"
 
 namespace tarvix {
@@ -27,12 +28,16 @@ public:
     void postMove(AxPoint point) const;
     // The modifiers that the user holds stay in effect.
     void postClick(MouseButton button, AxPoint point) const;
+    // With a move to the point first, and without any modifier.
+    void postDoubleClick(MouseButton button, AxPoint point) const;
     // Presses the element at the point through the accessibility interface; where there is none, a left click.
     void pressAt(AxPoint point) const;
     // Whichever of the two the element wants; none is clicked.
     void act(const std::optional<AccessibilityElement>& element, MouseButton button, AxPoint point) const;
 
 private:
+    void postDownAndUp(MouseEvent event, MouseButton button) const;
+
     Platform platform_;
 };
 

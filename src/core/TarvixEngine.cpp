@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "core/Copying.h"
 #include "display/FocusedApplication.h"
 #include "platform/Milestones.h"
 #include "platform/Panels.h"
@@ -189,7 +190,22 @@ void TarvixEngine::clickPrimaryTarget(MouseButton button) {
     pointer_.postMove(point);
     pointer_.act(primaryTarget_->element, button, point);
     reposition(saved);
-    platform_.milestones.reached(milestone::actionPosted, 0);
+    actionPosted();
+}
+
+void TarvixEngine::doubleClickPrimaryTarget(MouseButton button) {
+    if (!primaryTarget_) return;
+    const AxPoint point = clickPoint(primaryTarget_->element);
+    const AxPoint saved = pointer_.currentMousePosition().value_or(point);
+    pointer_.postDoubleClick(button, point);
+    reposition(saved);
+    actionPosted();
+}
+
+void TarvixEngine::moveMouseToPrimaryTarget() {
+    if (!primaryTarget_) return;
+    pointer_.postMove(clickPoint(primaryTarget_->element));
+    actionPosted();
 }
 
 // A menu that has just been opened from the menu bar would follow the pointer away.
@@ -200,13 +216,35 @@ void TarvixEngine::reposition(AxPoint saved) {
     if (!staysThere) pointer_.postMove(saved);
 }
 
-// The height is that of the screen under the pointer and not the first one's, on purpose.
 void TarvixEngine::clickAtMouse(MouseButton button) {
+    const auto point = pointOfMouse();
+    if (!point) return;
+    pointer_.act(elementUnderMouse(), button, *point);
+    actionPosted();
+}
+
+void TarvixEngine::doubleClickAtMouse() {
+    const auto point = pointOfMouse();
+    if (!point) return;
+    pointer_.postDoubleClick(MouseButton::left, *point);
+    actionPosted();
+}
+
+// Where the pointer stood when the session first asked. The height is that of the screen under it and not the first
+// one's, on purpose.
+std::optional<AxPoint> TarvixEngine::pointOfMouse() {
     const FocusedMouse mouse = displayEngine_.focusedMouse();
     const auto screen = displayEngine_.screenContaining(mouse.minX, mouse.maxY);
-    if (!screen) return;
-    pointer_.act(elementUnderMouse(), button, {mouse.minX, screen->height() - mouse.maxY});
-    platform_.milestones.reached(milestone::actionPosted, 0);
+    if (!screen) return std::nullopt;
+    return AxPoint{mouse.minX, screen->height() - mouse.maxY};
 }
+
+void TarvixEngine::copyTargetsDescription() {
+    std::string description;
+    for (const Target& target : targets_) description += target.element.metadataDump();
+    copy(std::move(description), platform_.pasteboard);
+}
+
+void TarvixEngine::actionPosted() { platform_.milestones.reached(milestone::actionPosted, 0); }
 
 }  // namespace tarvix

@@ -46,15 +46,18 @@ public:
     void halfwayUpTarget() override;
 
     void clickPrimaryTarget(MouseButton button) override;
+    void doubleClickPrimaryTarget(MouseButton button) override;
+    void moveMouseToPrimaryTarget() override;
     void clickAtMouse(MouseButton button) override;
+    void doubleClickAtMouse() override;
+    void copyTargetsDescription() override;
 
-    // The smallest of the session's candidates under the pointer, a Target or not.
-    std::optional<AccessibilityElement> elementUnderMouse() const;
+    const std::optional<Target>& primaryTarget() const override { return primaryTarget_; }
+    std::optional<AccessibilityElement> elementUnderMouse() const override;
 
     void setAllElements(OrderedSet<AccessibilityElement> elements) { allElements_ = std::move(elements); }
     const OrderedSet<AccessibilityElement>& allElements() const { return allElements_; }
     const OrderedSet<Target>& targets() const { return targets_; }
-    const std::optional<Target>& primaryTarget() const { return primaryTarget_; }
     // Absent between sessions.
     std::optional<std::int32_t> axFrontmostApplicationPID() const { return axFrontmostApplicationPID_; }
     const Canvas& canvas() const { return canvas_; }
@@ -66,6 +69,8 @@ private:
     void moveTo(std::size_t index);
     void announcePrimaryTarget();
     void reposition(AxPoint saved);
+    std::optional<AxPoint> pointOfMouse();
+    void actionPosted();
 
     Platform platform_;
     TargetLook targetLook_;

@@ -1,6 +1,9 @@
-// The search session, as the key routing drives it.
+// The search session, as the key routing and the event tap drive it.
 #pragma once
 
+#include <optional>
+
+#include "core/Target.h"
 #include "display/QuerySession.h"
 
 namespace tarvix {
@@ -19,9 +22,20 @@ public:
     virtual void halfwayDownTarget() = 0;
     virtual void halfwayUpTarget() = 0;
 
+    // The modifiers that the user holds stay on a click, and not on a double click.
     virtual void clickPrimaryTarget(MouseButton button) = 0;
-    // A click where the pointer stands, whatever the Targets.
+    virtual void doubleClickPrimaryTarget(MouseButton button) = 0;
+    // The pointer goes there and stays.
+    virtual void moveMouseToPrimaryTarget() = 0;
+    // Where the pointer stands, whatever the Targets.
     virtual void clickAtMouse(MouseButton button) = 0;
+    virtual void doubleClickAtMouse() = 0;
+    // All that is known of each Target, for a developer; the empty text when there is none.
+    virtual void copyTargetsDescription() = 0;
+
+    virtual const std::optional<Target>& primaryTarget() const = 0;
+    // The smallest of the session's candidates under the pointer, a Target or not.
+    virtual std::optional<AccessibilityElement> elementUnderMouse() const = 0;
 };
 
 }  // namespace tarvix

@@ -4,6 +4,7 @@
 namespace tarvix {
 
 class AccessibilityService;
+class Application;
 class Events;
 class HotKeys;
 class InputSources;
@@ -20,6 +21,7 @@ class Workspace;
 // Every service outlives whatever is built with it.
 struct Platform {
     AccessibilityService& accessibility;
+    Application& application;
     Workspace& workspace;
     WindowServer& windowServer;
     Screens& screens;

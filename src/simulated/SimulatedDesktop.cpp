@@ -24,6 +24,7 @@ std::vector<std::string> charactersOf(std::string_view text) {
 
 SimulatedDesktop::SimulatedDesktop()
     : accessibility(log, faults),
+      application(log),
       workspace(log, faults),
       windowServer(faults),
       events(log, faults, screens,
@@ -37,6 +38,7 @@ SimulatedDesktop::SimulatedDesktop()
 
 Platform SimulatedDesktop::platform() {
     return {.accessibility = accessibility,
+            .application = application,
             .workspace = workspace,
             .windowServer = windowServer,
             .screens = screens,

@@ -13,6 +13,7 @@
 #include "simulated/Faults.h"
 #include "simulated/Journal.h"
 #include "simulated/SimulatedAccessibility.h"
+#include "simulated/SimulatedApplication.h"
 #include "simulated/SimulatedEvents.h"
 #include "simulated/SimulatedHotKeys.h"
 #include "simulated/SimulatedInputSources.h"
@@ -68,6 +69,7 @@ public:
     Journal log;
     Faults faults;
     SimulatedAccessibility accessibility;
+    SimulatedApplication application;
     SimulatedWorkspace workspace;
     SimulatedWindowServer windowServer;
     SimulatedScreens screens;

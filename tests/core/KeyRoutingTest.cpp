@@ -7,13 +7,13 @@
 #include <vector>
 
 #include "core/KeyRouting.h"
-#include "simulated/SimulatedMilestones.h"
-#include "simulated/SimulatedRunLoop.h"
+#include "simulated/SimulatedDesktop.h"
 
 namespace tarvix {
 namespace {
 
 using testing::ElementsAre;
+using testing::IsEmpty;
 
 using Calls = std::vector<std::string>;
 
@@ -37,6 +37,16 @@ public:
     void clickAtMouse(MouseButton button) override {
         calls_.push_back(button == MouseButton::left ? "clickAtMouse" : "clickAtMouse right");
     }
+    void doubleClickPrimaryTarget(MouseButton button) override {
+        calls_.push_back(button == MouseButton::left ? "doubleClickPrimaryTarget" : "doubleClickPrimaryTarget right");
+    }
+    void doubleClickAtMouse() override { calls_.push_back("doubleClickAtMouse"); }
+    void moveMouseToPrimaryTarget() override { calls_.push_back("moveMouseToPrimaryTarget"); }
+    void copyTargetsDescription() override { calls_.push_back("copyTargetsDescription"); }
+    const std::optional<Target>& primaryTarget() const override { return primary; }
+    std::optional<AccessibilityElement> elementUnderMouse() const override { return std::nullopt; }
+
+    std::optional<Target> primary;
 
 private:
     Calls& calls_;
@@ -63,52 +73,110 @@ protected:
     // What a key does, and "passes" when it is the text field's.
     Calls after(const KeyCombination& key) {
         calls_.clear();
-        if (!handleKey(key, engine_, input, preloading_)) calls_.push_back("passes");
+        if (!routing_.handleKey(key)) calls_.push_back("passes");
         return calls_;
+    }
+    void allowCopying(bool allowed) { desk.userDefaults.set("allowCopyingOfTextAndMetadata", allowed); }
+    void setPrimaryLink() {
+        AccessibilityElement link;
+        link.role = AccessibilityElementRole::link;
+        link.title = "Inbox";
+        link.url = Url{"https://example.org/inbox"};
+        engine.primary = Target{link, nullptr};
     }
 
 private:
     Calls calls_;
-    SimulatedRunLoop runLoop_;
-    SimulatedMilestones milestones_;
-    Preloading preloading_{runLoop_, milestones_};
-    RecordingEngine engine_{calls_};
 
 protected:
+    SimulatedDesktop desk;
+    RecordingEngine engine{calls_};
     RecordingInput input{calls_};
+
+private:
+    Preloading preloading_{desk.runLoop, desk.milestones};
+    KeyRouting routing_{desk.platform(), engine, input, preloading_};
 };
+
+const KeyModifiers kControlOptionCommand = {.control = true, .option = true, .command = true};
+const std::vector<KeyCombination> kCopyKeys = {{Key::c, {.command = true}},
+                                               {Key::c, {.control = true, .command = true}},
+                                               {Key::c, {.option = true, .command = true}},
+                                               {Key::c, {.shift = true, .command = true}}};
 
 struct Row {
     std::vector<KeyCombination> combinations;
-    std::vector<std::string> effects;
+    std::vector<std::string> effects;       // with a query
+    std::vector<std::string> atThePointer;  // with an empty one
 };
 
-TEST_F(KeyRoutingTest, EachRowOfTheTableDoesWhatItSays) {
-    const std::vector<Row> rows = {
-        {{{Key::downArrow}, {Key::tab}, {Key::n, {.control = true}}}, {"nextTarget"}},
-        {{{Key::upArrow}, {Key::tab, {.shift = true}}, {Key::p, {.control = true}}}, {"previousTarget"}},
-        {{{Key::downArrow, {.command = true}}, {Key::end}}, {"lastTarget"}},
-        {{{Key::upArrow, {.command = true}}, {Key::home}}, {"firstTarget"}},
-        {{{Key::downArrow, {.control = true}}, {Key::pageDown}}, {"halfwayDownTarget"}},
-        {{{Key::upArrow, {.control = true}}, {Key::pageUp}}, {"halfwayUpTarget"}},
+Row always(std::vector<KeyCombination> combinations, std::vector<std::string> effects) {
+    return {std::move(combinations), effects, effects};
+}
+
+const std::vector<Row>& rows() {
+    static const std::vector<Row> rows = {
+        always({{Key::downArrow}, {Key::tab}, {Key::n, {.control = true}}}, {"nextTarget"}),
+        always({{Key::upArrow}, {Key::tab, {.shift = true}}, {Key::p, {.control = true}}}, {"previousTarget"}),
+        always({{Key::downArrow, {.command = true}}, {Key::end}}, {"lastTarget"}),
+        always({{Key::upArrow, {.command = true}}, {Key::home}}, {"firstTarget"}),
+        always({{Key::downArrow, {.control = true}}, {Key::pageDown}}, {"halfwayDownTarget"}),
+        always({{Key::upArrow, {.control = true}}, {Key::pageUp}}, {"halfwayUpTarget"}),
         {{{Key::return_},
           {Key::return_, {.option = true}},
           {Key::return_, {.shift = true}},
           {Key::return_, {.command = true}}},
-         {"clickPrimaryTarget", "close"}},
+         {"clickPrimaryTarget", "close"},
+         {"clickAtMouse", "close"}},
+        {{{Key::return_, {.control = true}}}, {"clickPrimaryTarget right", "close"}, {"clickAtMouse right", "close"}},
+        {{{Key::return_, {.shift = true, .command = true}}}, {"moveMouseToPrimaryTarget", "close"}, {"close"}},
+        {{{Key::keypadEnter}, {Key::return_, kControlOptionCommand}},
+         {"doubleClickPrimaryTarget", "close"},
+         {"doubleClickAtMouse", "close"}},
+        always({kCopyKeys[0]}, {"close"}),
+        always({kCopyKeys[1], kCopyKeys[2], kCopyKeys[3]}, {"close"}),
+        always({{Key::comma, {.command = true}}}, {"close"}),
+        always({{Key::q, {.command = true}}}, {}),
+        always({{Key::keypadEnter, kControlOptionCommand}}, {"copyTargetsDescription"}),
     };
-    for (std::size_t row = 0; row < rows.size(); ++row)
-        for (const KeyCombination& combination : rows[row].combinations)
-            EXPECT_EQ(after(combination), rows[row].effects) << "row " << row + 1;
+    return rows;
+}
+
+TEST_F(KeyRoutingTest, EachRowOfTheTableDoesWhatItSays) {
+    allowCopying(true);
+    for (const Row& row : rows()) {
+        for (const KeyCombination& combination : row.combinations) {
+            input.text = "query";
+            EXPECT_EQ(after(combination), row.effects) << "row " << &row - rows().data() + 1;
+            input.text = "";
+            EXPECT_EQ(after(combination), row.atThePointer) << "row " << &row - rows().data() + 1;
+        }
+    }
+}
+
+TEST_F(KeyRoutingTest, WhateverNoRowNamesPasses) {
+    allowCopying(true);
+    const auto isNamed = [](const KeyCombination& key) {
+        return std::any_of(rows().begin(), rows().end(), [&](const Row& row) {
+            return std::find(row.combinations.begin(), row.combinations.end(), key) != row.combinations.end();
+        });
+    };
+    constexpr unsigned allModifiers = 32;
+    for (std::size_t key = 0; key < keyCount; ++key) {
+        for (unsigned bits = 0; bits < allModifiers; ++bits) {
+            const KeyCombination combination(static_cast<Key>(key), {.fn = (bits & 1) != 0,
+                                                                     .control = (bits & 2) != 0,
+                                                                     .option = (bits & 4) != 0,
+                                                                     .shift = (bits & 8) != 0,
+                                                                     .command = (bits & 16) != 0});
+            EXPECT_EQ(after(combination) == Calls{"passes"}, !isNamed(combination))
+                << rawValue(combination.key()) << " with modifiers " << bits;
+        }
+    }
 }
 
 TEST_F(KeyRoutingTest, APressFromTheKeyboardMatchesATemplateThatIsBoth) {
     EXPECT_THAT(after({Key::downArrow, {}, KeyCombinationAction::press}), ElementsAre("nextTarget"));
-}
-
-TEST_F(KeyRoutingTest, ReturnWithAnEmptyQueryClicksAtThePointer) {
-    input.text = "";
-    EXPECT_THAT(after({Key::return_}), ElementsAre("clickAtMouse", "close"));
 }
 
 TEST_F(KeyRoutingTest, AQueryOfBlanksIsNotEmpty) {
@@ -116,23 +184,45 @@ TEST_F(KeyRoutingTest, AQueryOfBlanksIsNotEmpty) {
     EXPECT_THAT(after({Key::return_}), ElementsAre("clickPrimaryTarget", "close"));
 }
 
-TEST_F(KeyRoutingTest, WhatIsTheTextFieldsPasses) {
-    const std::vector<KeyCombination> keys = {
-        {Key::escape},
-        {Key::delete_},
-        {Key::leftArrow},
-        {Key::rightArrow},
-        {Key::a},
-        {Key::n},
-        {Key::n, {.control = true, .shift = true}},
-        {Key::downArrow, {.shift = true}},
-        {Key::downArrow, {.control = true, .command = true}},
-        {Key::home, {.shift = true}},
-        {Key::tab, {.command = true}},
-        {Key::return_, {.control = true, .option = true}},
-        {Key::return_, {.fn = true}},
-    };
-    for (const KeyCombination& key : keys) EXPECT_THAT(after(key), ElementsAre("passes")) << rawValue(key.key());
+TEST_F(KeyRoutingTest, TheCopyKeysAreTheTextFieldsUntilTheUserAllowsThem) {
+    setPrimaryLink();
+    for (const KeyCombination& key : kCopyKeys) EXPECT_THAT(after(key), ElementsAre("passes"));
+    EXPECT_THAT(desk.journal(), IsEmpty());
+    allowCopying(true);
+    for (const KeyCombination& key : kCopyKeys) EXPECT_THAT(after(key), ElementsAre("close"));
+    allowCopying(false);
+    for (const KeyCombination& key : kCopyKeys) EXPECT_THAT(after(key), ElementsAre("passes"));
+}
+
+TEST_F(KeyRoutingTest, CommandCCopiesTheTextOfThePrimaryTargetAndWithOneMoreModifierTheMetadata) {
+    allowCopying(true);
+    setPrimaryLink();
+    after(kCopyKeys[0]);
+    EXPECT_EQ(desk.pasteboard.text, "Inbox");
+    for (std::size_t i = 1; i < kCopyKeys.size(); ++i) {
+        desk.pasteboard.text.reset();
+        after(kCopyKeys[i]);
+        EXPECT_EQ(desk.pasteboard.text, "https://example.org/inbox");
+    }
+}
+
+TEST_F(KeyRoutingTest, WithoutAPrimaryTargetOrWithAnEmptyQueryNothingIsCopied) {
+    allowCopying(true);
+    for (const KeyCombination& key : kCopyKeys) after(key);
+    setPrimaryLink();
+    input.text = "";
+    for (const KeyCombination& key : kCopyKeys) after(key);
+    EXPECT_THAT(desk.journal(), IsEmpty());
+}
+
+TEST_F(KeyRoutingTest, CommandCommaShowsTheSettings) {
+    after({Key::comma, {.command = true}});
+    EXPECT_THAT(desk.journal(), ElementsAre("settings shown"));
+}
+
+TEST_F(KeyRoutingTest, CommandQDoesNothingAtAll) {
+    EXPECT_THAT(after({Key::q, {.command = true}}), IsEmpty());
+    EXPECT_THAT(desk.journal(), IsEmpty());
 }
 
 TEST(KeyTable, EveryRowHasHelpForTheUser) {

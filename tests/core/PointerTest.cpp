@@ -70,6 +70,31 @@ TEST_F(PointerTest, ARightClickHasItsOwnTypesAndButton) {
                     MouseEvent{.type = MouseEventType::rightMouseUp, .point = {90, 20}, .button = 1, .clickState = 1}));
 }
 
+TEST_F(PointerTest, ADoubleClickIsAMoveAndTwoClicksWithoutAnyModifier) {
+    pointer.postDoubleClick(MouseButton::left, {90, 20});
+    const MouseEvent first{.type = MouseEventType::leftMouseDown, .point = {90, 20}, .clickState = 1, .flags = 0};
+    std::vector<MouseEvent> events = {
+        {.type = MouseEventType::mouseMoved, .point = {90, 20}}, first, first, first, first};
+    events[2].type = events[4].type = MouseEventType::leftMouseUp;
+    events[3].clickState = events[4].clickState = 2;
+    EXPECT_EQ(desk.events.mouseEvents, events);
+}
+
+TEST_F(PointerTest, ARightDoubleClickHasTheOtherButton) {
+    pointer.postDoubleClick(MouseButton::right, {90, 20});
+    EXPECT_THAT(desk.journal({Topic::mouse}),
+                ElementsAre("moved to 90,20", "right down, flags 0", "right up, flags 0",
+                            "right down, click 2, flags 0", "right up, click 2, flags 0"));
+    for (std::size_t i = 1; i < desk.events.mouseEvents.size(); ++i) EXPECT_EQ(desk.events.mouseEvents[i].button, 1);
+}
+
+TEST_F(PointerTest, OfADoubleClickEachEventThatCannotBeMadeIsLeftOut) {
+    desk.faults.failNth("postMouse", 3);
+    pointer.postDoubleClick(MouseButton::left, {90, 20});
+    EXPECT_THAT(desk.journal({Topic::mouse}), ElementsAre("moved to 90,20", "left down, flags 0",
+                                                          "left down, click 2, flags 0", "left up, click 2, flags 0"));
+}
+
 TEST_F(PointerTest, AMoveHasNoFurtherFields) {
     pointer.postMove({90, 20});
     EXPECT_THAT(desk.events.mouseEvents,

@@ -4,6 +4,7 @@
 
 #include "core/TarvixEngine.h"
 #include "display/DisplayEngine.h"
+#include "platform/Events.h"
 #include "simulated/SimulatedDesktop.h"
 
 namespace tarvix {
@@ -532,6 +533,144 @@ TEST_F(TarvixEngineTest, ARadioButtonUnderThePointerIsPressedEvenByARightClick) 
     engine.clickAtMouse(MouseButton::right);
     EXPECT_THAT(desk.journal({Topic::mouse}), IsEmpty());
     EXPECT_EQ(desk.journal({Topic::accessibility}).size(), 1u);
+}
+
+TEST_F(TarvixEngineTest, ADoubleClickOnARadioButtonIsADoubleClickAndNoPress) {
+    AccessibilityElement radio = button("Weekly", {{10, 10}, {80, 20}});
+    radio.role = Role::radioButton;
+    show({radio});
+    desk.clearJournal();
+    engine.doubleClickPrimaryTarget(MouseButton::left);
+    EXPECT_THAT(desk.journal(), ElementsAre("moved to 50,20", "left down, flags 0", "left up, flags 0",
+                                            "left down, click 2, flags 0", "left up, click 2, flags 0"));
+    EXPECT_EQ(desk.milestones.moments().back().first, milestone::actionPosted);
+}
+
+TEST_F(TarvixEngineTest, ADoubleClickWithTheOtherButtonIsOne) {
+    show({button("a", {{10, 10}, {100, 20}})});
+    desk.clearJournal();
+    engine.doubleClickPrimaryTarget(MouseButton::right);
+    EXPECT_THAT(desk.journal(), ElementsAre("moved to 60,20", "right down, flags 0", "right up, flags 0",
+                                            "right down, click 2, flags 0", "right up, click 2, flags 0"));
+}
+
+TEST_F(TarvixEngineTest, ThePointerGoesBackAfterADoubleClickToo) {
+    desk.screens.pointer = {800, 500};
+    desk.userDefaults.set("repositionMouseAfterClick", true);
+    show({button("a", {{10, 10}, {100, 20}})});
+    engine.doubleClickPrimaryTarget(MouseButton::left);
+    EXPECT_EQ(desk.journal({Topic::mouse}).back(), "moved to 800,500");
+}
+
+TEST_F(TarvixEngineTest, ATabIsClickedWithEitherButton) {
+    AccessibilityElement tab = button("Weekly", {{10, 10}, {80, 20}});
+    tab.role = Role::radioButton;
+    tab.subrole = "AXTabButton";
+    show({tab});
+    desk.clearJournal();
+    engine.clickPrimaryTarget(MouseButton::left);
+    engine.clickPrimaryTarget(MouseButton::right);
+    EXPECT_THAT(desk.journal(),
+                ElementsAre("moved to 50,20", "left down", "left up", "moved to 50,20", "right down", "right up"));
+}
+
+TEST_F(TarvixEngineTest, ARadioButtonWhereNoElementIsFoundGetsALeftClickEvenWhenTheRightOneIsAskedFor) {
+    AccessibilityElement radio = button("Weekly", {{10, 10}, {80, 20}});
+    radio.role = Role::radioButton;
+    show({radio});
+    desk.clearJournal();
+    engine.clickPrimaryTarget(MouseButton::right);
+    EXPECT_THAT(desk.journal(), ElementsAre("moved to 50,20", "left down", "left up"));
+}
+
+// The click itself may have been on the control that changes the setting.
+class EventsWhoseClickTurnsOnTheReposition : public Events {
+public:
+    explicit EventsWhoseClickTurnsOnTheReposition(SimulatedDesktop& desk) : desk_(desk) {}
+
+    bool post(const MouseEvent& event) override {
+        if (event.type == MouseEventType::leftMouseUp) desk_.userDefaults.set("repositionMouseAfterClick", true);
+        return desk_.events.post(event);
+    }
+    bool post(const KeyEvent& event) override { return desk_.events.post(event); }
+    [[nodiscard]] Subscription monitorKeyDown(std::function<Verdict(const KeyEvent&)> seen) override {
+        return desk_.events.monitorKeyDown(std::move(seen));
+    }
+
+private:
+    SimulatedDesktop& desk_;
+};
+
+TEST(TarvixEngineActions, WhetherThePointerGoesBackIsReadAfterTheClick) {
+    SimulatedDesktop desk;
+    EventsWhoseClickTurnsOnTheReposition events(desk);
+    const Platform whole = desk.platform();
+    const Platform platform{.accessibility = whole.accessibility,
+                            .application = whole.application,
+                            .workspace = whole.workspace,
+                            .windowServer = whole.windowServer,
+                            .screens = whole.screens,
+                            .events = events,
+                            .hotKeys = whole.hotKeys,
+                            .inputSources = whole.inputSources,
+                            .panels = whole.panels,
+                            .runLoop = whole.runLoop,
+                            .userDefaults = whole.userDefaults,
+                            .pasteboard = whole.pasteboard,
+                            .notificationCenter = whole.notificationCenter,
+                            .milestones = whole.milestones};
+    DisplayEngine displayEngine(platform);
+    TarvixEngine engine(platform, std::make_shared<SearchEngine>(platform), displayEngine);
+    engine.showTargets({button("a", {{10, 10}, {100, 20}})});
+    engine.clickPrimaryTarget(MouseButton::left);
+    EXPECT_EQ(desk.journal({Topic::mouse}).back(), "moved to 800,500");
+}
+
+TEST_F(TarvixEngineTest, MovingOnlyLeavesThePointerThereWhateverTheSetting) {
+    desk.userDefaults.set("repositionMouseAfterClick", true);
+    show({button("a", {{10, 10}, {100, 20}})});
+    desk.clearJournal();
+    engine.moveMouseToPrimaryTarget();
+    EXPECT_THAT(desk.journal(), ElementsAre("moved to 60,20"));
+    EXPECT_EQ(desk.milestones.moments().back().first, milestone::actionPosted);
+}
+
+TEST_F(TarvixEngineTest, WithoutAPrimaryTargetNothingIsDoubleClickedOrMoved) {
+    engine.doubleClickPrimaryTarget(MouseButton::left);
+    engine.moveMouseToPrimaryTarget();
+    EXPECT_THAT(desk.journal(), IsEmpty());
+    EXPECT_THAT(desk.milestones.moments(), IsEmpty());
+}
+
+TEST_F(TarvixEngineTest, ADoubleClickAtThePointerIsWhereItStoodWhenTheSessionAsked) {
+    desk.userDefaults.set("repositionMouseAfterClick", true);
+    desk.screens.pointer = {300, 900};
+    displayEngine.focusedMouse();
+    desk.screens.pointer = {310, 900};
+    engine.doubleClickAtMouse();
+    EXPECT_THAT(desk.journal(), ElementsAre("moved to 300,100", "left down, flags 0", "left up, flags 0",
+                                            "left down, click 2, flags 0", "left up, click 2, flags 0"));
+}
+
+TEST_F(TarvixEngineTest, WithoutAScreenUnderThePointerNothingIsDoubleClicked) {
+    desk.screens.setOnly(std::nullopt);
+    engine.doubleClickAtMouse();
+    EXPECT_THAT(desk.journal(), IsEmpty());
+}
+
+TEST_F(TarvixEngineTest, TheDescriptionOfTheTargetsIsTheDumpOfEachInTheirOrder) {
+    const AccessibilityElement first = button("a", {{10, 10}, {100, 20}}), second = button("b", {{10, 40}, {100, 20}});
+    show({first, second});
+    engine.nextTarget();
+    engine.copyTargetsDescription();
+    EXPECT_EQ(desk.pasteboard.text, first.metadataDump() + second.metadataDump());
+}
+
+TEST_F(TarvixEngineTest, TheDescriptionOfNoTargetsIsTheEmptyText) {
+    desk.pasteboard.text = "from before";
+    engine.copyTargetsDescription();
+    EXPECT_THAT(desk.journal(), ElementsAre("pasteboard cleared", "pasteboard set to ''"));
+    EXPECT_EQ(desk.pasteboard.text, "");
 }
 
 // --- endSession
