@@ -3,10 +3,13 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 
 #include "keys/VimKeyMapping.h"
 
 namespace tarvix {
+
+class Sauce;
 
 enum class KeyCombinationAction : std::uint8_t { press, release, both };
 
@@ -46,6 +49,9 @@ public:
     // The physical key, as the current layout names it.
     constexpr Key key() const { return key_; }
     constexpr bool hasNonShiftModifiers() const { return fn || control || option || command; }
+    // What the combination types on the current layout, Shift apart without regard to its modifiers: one character, "?"
+    // where it types none. A dead key is its own sign. Main thread.
+    std::string character(const Sauce& sauce) const;
 
     // The action doesn't count, so that a press from the keyboard equals a template that is `both`.
     friend constexpr bool operator==(const KeyCombination& a, const KeyCombination& b) {

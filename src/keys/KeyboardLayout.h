@@ -43,6 +43,10 @@ public:
 
     // What a key types on the current layout, else on the current ASCII-capable source; a special key's own text.
     std::optional<std::string> text(std::uint16_t keyCode, std::uint32_t carbonModifiers) const;
+    // What an event with these flags types; see InputSources.
+    std::optional<std::string> characters(std::uint16_t keyCode, std::uint64_t flags) const {
+        return platform_.characters(keyCode, flags);
+    }
 
     [[nodiscard]] Subscription onNotification(std::function<void(std::string_view name)> posted) {
         return notifications_.add(std::move(posted));

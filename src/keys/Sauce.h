@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 
 #include "keys/KeyboardLayout.h"
 #include "platform/Modifiers.h"
@@ -25,6 +26,12 @@ public:
 
     std::optional<std::uint16_t> keyCodeForKey(Key key, const InputSource& source) const;
     const KeyCodes* keyCodes(const InputSource& source) const { return layout.keyCodes(source); }
+
+    // What a key types with these modifiers on the current layout, else on the current ASCII-capable source; a special
+    // key's own text.
+    std::optional<std::string> text(std::uint16_t keyCode, std::uint32_t carbonModifiers) const {
+        return layout.text(keyCode, carbonModifiers);
+    }
 
     KeyboardLayout layout;
     [[no_unique_address]] ModifierTransformer modifierTransformar;

@@ -36,6 +36,10 @@ public:
     // the table of `Key`; `modifierState` is 0, 2 (shift), 8 (option) or 10. Nothing when the key types nothing there.
     virtual std::optional<std::string> translate(const InputSourceInfo& source, std::uint16_t keyCode,
                                                  std::uint32_t modifierState) = 0;
+    // What a key types on the selected layout when it comes with these event flags, of which Shift and option choose:
+    // nothing for a key that types nothing, control characters for return, tab, escape and delete. A dead key waits for
+    // a letter and gives an empty text; with command among the flags it doesn't wait, and gives its spacing form.
+    virtual std::optional<std::string> characters(std::uint16_t keyCode, std::uint64_t flags) = 0;
     [[nodiscard]] virtual Subscription onSelectedChanged(std::function<void()> changed) = 0;
     [[nodiscard]] virtual Subscription onEnabledChanged(std::function<void()> changed) = 0;
 };

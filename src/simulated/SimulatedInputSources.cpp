@@ -5,6 +5,8 @@
 #include <span>
 #include <utility>
 
+#include "platform/Events.h"
+
 namespace tarvix {
 
 namespace {
@@ -44,6 +46,13 @@ constexpr auto japaneseRows = std::to_array<KeyRow>({
     {41, ";", "+"}, {42, "]", "}"}, {50, "", ""}, {93, "¥", "|"}, {94, "_", "_"}, {95, ",", ","},
 });
 
+// Where the German layout differs from the US one.
+constexpr auto germanRows = std::to_array<KeyRow>({
+    {6, "y", "Y"}, {10, "<", ">"}, {16, "z", "Z"}, {19, "2", "\""}, {20, "3", "§"}, {22, "6", "&"}, {24, "´", "`"},
+    {25, "9", ")"}, {26, "7", "/"}, {27, "ß", "?"}, {28, "8", "("}, {29, "0", "="}, {30, "+", "*"}, {33, "ü", "Ü"},
+    {39, "ä", "Ä"}, {41, "ö", "Ö"}, {42, "#", "'"}, {43, ",", ";"}, {44, "-", "_"}, {47, ".", ":"}, {50, "^", "°"},
+});
+
 // Where the Russian layout differs from the US one.
 constexpr auto russianRows = std::to_array<KeyRow>({
     {0, "ф", "Ф"}, {1, "ы", "Ы"}, {2, "в", "В"}, {3, "а", "А"}, {4, "р", "Р"}, {5, "п", "П"}, {6, "я", "Я"},
@@ -53,6 +62,17 @@ constexpr auto russianRows = std::to_array<KeyRow>({
     {43, "б", "Б"}, {44, ".", ","}, {45, "т", "Т"}, {46, "ь", "Ь"}, {47, "ю", "Ю"}, {50, "ё", "Ё"},
 });
 // clang-format on
+
+// What keys type that no layout changes.
+constexpr auto fixedTexts = std::to_array<std::pair<std::uint16_t, std::string_view>>({
+    {36, "\r"},
+    {48, "\t"},
+    {49, " "},
+    {51, "\b"},
+    {53, "\x1b"},
+    {76, "\r"},
+    {117, "\x7f"},
+});
 
 InputSourceInfo layoutInfo(std::string id, std::string name) {
     InputSourceInfo info;
@@ -87,6 +107,13 @@ SimulatedLayout simulatedLayout::dvorak() {
 SimulatedLayout simulatedLayout::japanese() {
     SimulatedLayout layout{layoutInfo("jp", "Japanese"), us().keys};
     put(layout, japaneseRows);
+    return layout;
+}
+
+SimulatedLayout simulatedLayout::german() {
+    SimulatedLayout layout{layoutInfo("de", "German"), us().keys};
+    put(layout, germanRows);
+    layout.deadKeys = {24, 50};
     return layout;
 }
 
@@ -154,6 +181,19 @@ std::optional<std::string> SimulatedInputSources::translate(const InputSourceInf
     const auto key = layout->keys.find(keyCode);
     if (key == layout->keys.end()) return std::nullopt;
     const std::size_t level = ((modifierState & 2) ? 1u : 0u) + ((modifierState & 8) ? 2u : 0u);
+    const std::string& text = key->second[level];
+    return text.empty() ? std::nullopt : std::optional(text);
+}
+
+std::optional<std::string> SimulatedInputSources::characters(std::uint16_t keyCode, std::uint64_t flags) {
+    const SimulatedLayout& layout = layouts_[selected_];
+    if (!layout.info.hasLayoutData) return std::nullopt;
+    const auto fixed = std::ranges::find(fixedTexts, keyCode, &std::pair<std::uint16_t, std::string_view>::first);
+    if (fixed != fixedTexts.end()) return std::string(fixed->second);
+    const auto key = layout.keys.find(keyCode);
+    if (key == layout.keys.end()) return std::nullopt;
+    if (layout.deadKeys.contains(keyCode) && !(flags & eventFlag::command)) return "";
+    const std::size_t level = ((flags & eventFlag::shift) ? 1u : 0u) + ((flags & eventFlag::option) ? 2u : 0u);
     const std::string& text = key->second[level];
     return text.empty() ? std::nullopt : std::optional(text);
 }

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -19,13 +20,15 @@ struct SimulatedLayout {
     using Texts = std::array<std::string, 4>;
 
     InputSourceInfo info;
-    std::map<std::uint16_t, Texts> keys;  // by position on the table of `Key`
+    std::map<std::uint16_t, Texts> keys = {};  // by position on the table of `Key`
+    std::set<std::uint16_t> deadKeys = {};     // those of them that wait for a letter
 };
 
 namespace simulatedLayout {
 SimulatedLayout us();
 SimulatedLayout dvorak();
 SimulatedLayout japanese();
+SimulatedLayout german();       // with dead keys
 SimulatedLayout russian();      // types no Latin letters
 SimulatedLayout inputMethod();  // without layout data
 }  // namespace simulatedLayout
@@ -48,6 +51,7 @@ public:
     InputSourceInfo currentASCIICapable() override;
     std::optional<std::string> translate(const InputSourceInfo& source, std::uint16_t keyCode,
                                          std::uint32_t modifierState) override;
+    std::optional<std::string> characters(std::uint16_t keyCode, std::uint64_t flags) override;
     Subscription onSelectedChanged(std::function<void()> changed) override;
     Subscription onEnabledChanged(std::function<void()> changed) override;
 

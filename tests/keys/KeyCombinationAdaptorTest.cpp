@@ -109,5 +109,62 @@ TEST_F(AdaptorTest, WhatIsWrittenIsReadBack) {
     }
 }
 
+TEST_F(AdaptorTest, AKeyThatALayoutHasInAnotherPlaceIsPostedThereAndReadThere) {
+    for (const char* layout : {"us", "us(dvorak)"}) {
+        inputSources.select(layout);
+        for (std::size_t i = 0; i < keyCount; ++i) {
+            const auto key = static_cast<Key>(i);
+            const KeyEvent event = KeyCombinationAdaptor::toCGEvent(KeyCombination(key), KeyEventType::keyDown, sauce);
+            const bool hasTwin = key == Key::caret || key == Key::atSign || key == Key::colon;  // by the fixed codes
+            EXPECT_EQ(KeyCombinationAdaptor::fromCGEvent(event, sauce) == KeyCombination(key), !hasTwin)
+                << layout << " " << rawValue(key);
+        }
+    }
+}
+
+struct CharacterTest : testing::Test {
+    SimulatedInputSources inputSources{{simulatedLayout::us(), simulatedLayout::dvorak(), simulatedLayout::german(),
+                                        simulatedLayout::russian(), simulatedLayout::inputMethod()}};
+    Sauce sauce{inputSources};
+
+    std::string typed(Key key, KeyModifiers modifiers = {}) { return KeyCombination(key, modifiers).character(sauce); }
+};
+
+TEST_F(CharacterTest, IsWhatTheKeyTypesOnTheLayoutOfTheMoment) {
+    EXPECT_EQ(typed(Key::d), "d");
+    EXPECT_EQ(typed(Key::space), " ");
+    EXPECT_EQ(typed(Key::return_), "\r");
+    EXPECT_EQ(typed(Key::one, {.shift = true}), "!");
+    inputSources.select("us(dvorak)");
+    EXPECT_EQ(typed(Key::d), "d") << "by the key that types it there";
+    inputSources.select("ru");
+    EXPECT_EQ(typed(Key::d), "в") << "by its fixed place, as no key types it there";
+}
+
+TEST_F(CharacterTest, OfTheModifiersOnlyShiftCounts) {
+    EXPECT_EQ(typed(Key::a, {.shift = true}), "A");
+    EXPECT_EQ(typed(Key::a, {.fn = true, .control = true, .option = true, .command = true}), "a");
+    EXPECT_EQ(typed(Key::a, {.option = true, .shift = true}), "A");
+}
+
+TEST_F(CharacterTest, ADeadKeyIsItsOwnSign) {
+    inputSources.select("de");
+    EXPECT_EQ(typed(Key::caret), "^");
+    EXPECT_EQ(typed(Key::caret, {.shift = true}), "°");
+}
+
+TEST_F(CharacterTest, IsAQuestionMarkWhereNothingIsTyped) {
+    EXPECT_EQ(typed(Key::f5), "?");
+    EXPECT_EQ(typed(Key::leftArrow), "?");
+    EXPECT_EQ(typed(Key::yen), "?");
+    inputSources.select("kana-kanji");
+    EXPECT_EQ(typed(Key::a), "?");
+}
+
+TEST_F(CharacterTest, IsThatOfTheReleaseToo) {
+    EXPECT_EQ(KeyCombination(Key::a, {}, KeyCombinationAction::release).character(sauce), "a");
+    EXPECT_EQ(KeyCombination(VimKey::dollarSign).character(sauce), "$");
+}
+
 }  // namespace
 }  // namespace tarvix

@@ -198,6 +198,15 @@ TEST(KeyboardLayoutText, IsTheSpecialTextElseTheLayouts) {
     EXPECT_EQ(layout.text(93, 0), std::nullopt);
 }
 
+TEST(KeyboardLayoutText, IsAskedOfTheLayoutInTheCarbonCoding) {
+    SauceOn on({us(), dvorak()});
+    EXPECT_EQ(on.sauce.text(2, 0), "d");
+    on.inputSources.select("us(dvorak)");
+    EXPECT_EQ(on.sauce.text(2, 0), "e");
+    EXPECT_EQ(on.sauce.text(2, carbonModifier::shift), "E");
+    EXPECT_EQ(on.sauce.text(36, carbonModifier::shift), "↩");
+}
+
 TEST(KeyboardLayoutText, FallsBackOnTheASCIICapableSource) {
     const SauceOn on({inputMethod(), us()});
     EXPECT_EQ(on.sauce.layout.text(0, 0), "a");

@@ -11,6 +11,7 @@
 
 #include "linux/x11/EvdevKeyCodes.h"
 #include "linux/x11/XcbXkb.h"
+#include "platform/Events.h"
 
 namespace tarvix {
 
@@ -45,14 +46,20 @@ constexpr auto kDeadKeys = std::to_array<DeadKey>({
 
 bool isControl(char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7f; }
 
+bool isDead(xkb_keysym_t symbol) { return symbol >= XKB_KEY_dead_grave && symbol <= XKB_KEY_dead_longsolidusoverlay; }
+
+// Control characters included.
 std::optional<std::string> textOf(xkb_keysym_t symbol) {
     const auto dead = std::ranges::find(kDeadKeys, symbol, &DeadKey::symbol);
     if (dead != kDeadKeys.end()) return std::string(dead->spacing);
     char text[8] = {};
     // A length of 1 is the closing zero alone.
-    if (xkb_keysym_to_utf8(symbol, text, sizeof text) <= 1 || isControl(text[0])) return std::nullopt;
+    if (xkb_keysym_to_utf8(symbol, text, sizeof text) <= 1) return std::nullopt;
     return std::string(text);
 }
+
+// The modifier state of a translation.
+constexpr std::uint32_t kShift = 2, kOption = 8;
 
 // The modifiers in effect after a press of the key with that symbol; none where the keyboard lacks it.
 std::uint32_t modifiersOf(xkb_keymap* keymap, xkb_keysym_t symbol) {
@@ -196,21 +203,21 @@ std::vector<InputSourceInfo> X11InputSources::sourcesOf(const Keyboard& keyboard
 bool X11InputSources::typesLatin(const Keyboard& keyboard, std::size_t group) {
     std::array<bool, 26> letters = {};
     for (std::uint16_t keyCode = 0; keyCode < 128; ++keyCode) {
-        const auto text = typed(keyboard, group, keyCode, 0);
+        const auto text = textOf(symbol(keyboard, group, keyCode, 0));
         if (text && text->size() == 1 && (*text)[0] >= 'a' && (*text)[0] <= 'z')
             letters[static_cast<std::size_t>((*text)[0] - 'a')] = true;
     }
     return std::ranges::all_of(letters, [](bool typed) { return typed; });
 }
 
-std::optional<std::string> X11InputSources::typed(const Keyboard& keyboard, std::size_t group, std::uint16_t keyCode,
-                                                  std::uint32_t modifierState) {
+std::uint32_t X11InputSources::symbol(const Keyboard& keyboard, std::size_t group, std::uint16_t keyCode,
+                                      std::uint32_t modifierState) {
     const auto keycode = x11OfKeyCode(keyCode);
-    if (!keycode) return std::nullopt;
-    const std::uint32_t modifiers =
-        keyboard.numLock | ((modifierState & 2) ? keyboard.shift : 0) | ((modifierState & 8) ? keyboard.option : 0);
+    if (!keycode) return XKB_KEY_NoSymbol;
+    const std::uint32_t modifiers = keyboard.numLock | ((modifierState & kShift) ? keyboard.shift : 0) |
+                                    ((modifierState & kOption) ? keyboard.option : 0);
     xkb_state_update_mask(keyboard.scratch.get(), modifiers, 0, 0, 0, 0, static_cast<xkb_layout_index_t>(group));
-    return textOf(xkb_state_key_get_one_sym(keyboard.scratch.get(), *keycode));
+    return xkb_state_key_get_one_sym(keyboard.scratch.get(), *keycode);
 }
 
 std::vector<InputSourceInfo> X11InputSources::enabled() {
@@ -238,7 +245,17 @@ std::optional<std::string> X11InputSources::translate(const InputSourceInfo& sou
                                                       std::uint32_t modifierState) {
     const auto known = std::ranges::find(keyboard_.sources, source.id, &InputSourceInfo::id);
     if (known == keyboard_.sources.end()) return std::nullopt;
-    return typed(keyboard_, static_cast<std::size_t>(known - keyboard_.sources.begin()), keyCode, modifierState);
+    const auto group = static_cast<std::size_t>(known - keyboard_.sources.begin());
+    const auto text = textOf(symbol(keyboard_, group, keyCode, modifierState));
+    return text && isControl((*text)[0]) ? std::nullopt : text;
+}
+
+std::optional<std::string> X11InputSources::characters(std::uint16_t keyCode, std::uint64_t flags) {
+    const std::uint32_t typed =
+        symbol(keyboard_, keyboard_.group, keyCode,
+               ((flags & eventFlag::shift) ? kShift : 0) | ((flags & eventFlag::option) ? kOption : 0));
+    if (isDead(typed) && !(flags & eventFlag::command)) return "";
+    return textOf(typed);
 }
 
 Subscription X11InputSources::onSelectedChanged(std::function<void()> changed) {

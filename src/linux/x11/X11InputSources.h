@@ -33,6 +33,7 @@ public:
     InputSourceInfo currentASCIICapable() override;
     std::optional<std::string> translate(const InputSourceInfo& source, std::uint16_t keyCode,
                                          std::uint32_t modifierState) override;
+    std::optional<std::string> characters(std::uint16_t keyCode, std::uint64_t flags) override;
     [[nodiscard]] Subscription onSelectedChanged(std::function<void()> changed) override;
     [[nodiscard]] Subscription onEnabledChanged(std::function<void()> changed) override;
 
@@ -59,8 +60,9 @@ private:
     std::optional<Keyboard> read();
     static std::vector<InputSourceInfo> sourcesOf(const Keyboard& keyboard, const std::vector<std::string>& ids);
     static bool typesLatin(const Keyboard& keyboard, std::size_t group);
-    static std::optional<std::string> typed(const Keyboard& keyboard, std::size_t group, std::uint16_t keyCode,
-                                            std::uint32_t modifierState);
+    // The symbol of a key; 0 for none.
+    static std::uint32_t symbol(const Keyboard& keyboard, std::size_t group, std::uint16_t keyCode,
+                                std::uint32_t modifierState);
     InputSourceInfo info(std::size_t group) const;
     X11Connection::Handled handle(const xcb_generic_event_t& event);
     void keyboardChanged();
