@@ -2,6 +2,7 @@
 
 #include <sys/eventfd.h>
 #include <unistd.h>
+#include <xcb/xinput.h>
 
 #include <utility>
 
@@ -32,8 +33,54 @@ Outcome<std::unique_ptr<X11Connection>> X11Connection::open() {
     return std::unique_ptr<X11Connection>(new X11Connection(connection, screenNumber, screen));
 }
 
+class X11Connection::XInputMasks {
+public:
+    XInputMasks(xcb_connection_t* connection, xcb_window_t root) : connection_(connection), root_(root) {}
+
+    int add(std::uint16_t device, std::uint32_t mask) {
+        const std::uint32_t before = maskOf(device);
+        wanted_.emplace(++lastId_, Wanted{device, mask});
+        if (maskOf(device) != before) select(device);
+        return lastId_;
+    }
+    void remove(int id) {
+        const std::uint16_t device = wanted_.at(id).device;
+        const std::uint32_t before = maskOf(device);
+        wanted_.erase(id);
+        if (maskOf(device) != before) select(device);
+    }
+
+private:
+    struct Wanted {
+        std::uint16_t device = 0;
+        std::uint32_t mask = 0;
+    };
+
+    std::uint32_t maskOf(std::uint16_t device) const {
+        std::uint32_t mask = 0;
+        for (const auto& [id, wanted] : wanted_)
+            if (wanted.device == device) mask |= wanted.mask;
+        return mask;
+    }
+    void select(std::uint16_t device) {
+        const struct {
+            xcb_input_event_mask_t head;
+            std::uint32_t mask;
+        } request{{device, 1}, maskOf(device)};
+        xcb_input_xi_select_events(connection_, root_, 1, &request.head);
+    }
+
+    xcb_connection_t* connection_;
+    xcb_window_t root_;
+    int lastId_ = 0;
+    std::map<int, Wanted> wanted_;
+};
+
 X11Connection::X11Connection(xcb_connection_t* connection, int screenNumber, const xcb_screen_t* screen)
-    : connection_(connection), screenNumber_(screenNumber), screen_(screen) {}
+    : connection_(connection),
+      screenNumber_(screenNumber),
+      screen_(screen),
+      xinputMasks_(std::make_shared<XInputMasks>(connection, screen->root)) {}
 
 X11Connection::~X11Connection() {
     watching_.reset();
@@ -97,6 +144,12 @@ std::optional<std::string> X11Connection::text(xcb_get_property_cookie_t cookie)
 void X11Connection::selectOnRoot(std::uint32_t mask) {
     rootMask_ |= mask;
     xcb_change_window_attributes(connection_, root(), XCB_CW_EVENT_MASK, &rootMask_);
+}
+
+Subscription X11Connection::selectXInputOnRoot(std::uint16_t device, std::uint32_t mask) {
+    return Subscription([masks = std::weak_ptr(xinputMasks_), id = xinputMasks_->add(device, mask)] {
+        if (const auto alive = masks.lock()) alive->remove(id);
+    });
 }
 
 Subscription X11Connection::onEvent(EventHandler handler) {

@@ -83,6 +83,9 @@ public:
 
     // Adds to the event mask that this connection has on the root window.
     void selectOnRoot(std::uint32_t mask);
+    // The same for the XInput 2 events of a device, which the server has to have, until the token is dropped. The
+    // server keeps one mask for each device and client, so nobody else selects these.
+    [[nodiscard]] Subscription selectXInputOnRoot(std::uint16_t device, std::uint32_t mask);
 
     // An event goes to the handlers in the order in which these were added, until one has handled it for good. Errors
     // of requests that nobody waits for are dropped: what they were about has gone meanwhile.
@@ -108,6 +111,10 @@ private:
     std::map<std::string, xcb_atom_t, std::less<>> atoms_;
     std::map<xcb_atom_t, std::string> atomNames_;
     std::uint32_t rootMask_ = 0;
+
+    // The XInput masks of the root: what was asked for, by device.
+    class XInputMasks;
+    std::shared_ptr<XInputMasks> xinputMasks_;
 
     std::shared_ptr<std::list<EventHandler>> handlers_ = std::make_shared<std::list<EventHandler>>();
     std::deque<Reply<xcb_generic_event_t>> kept_;

@@ -21,7 +21,7 @@ Outcome<std::unique_ptr<X11HotKeys>> X11HotKeys::open(X11Connection& connection)
 X11HotKeys::X11HotKeys(X11Connection& connection, bool hasXInput)
     : x_(connection), hasXInput_(hasXInput), modifiers_(X11Modifiers::read(connection)) {
     if (hasXInput_) {
-        selectXInputOnRoot(x_, XCB_INPUT_DEVICE_ALL, XCB_INPUT_XI_EVENT_MASK_HIERARCHY);
+        deviceChanges_ = x_.selectXInputOnRoot(XCB_INPUT_DEVICE_ALL, XCB_INPUT_XI_EVENT_MASK_HIERARCHY);
         keyboards_ = readKeyboards(x_);
     }
     if (x_.extension(xcb_xkb_id)) {

@@ -59,7 +59,7 @@ private:
     std::map<std::uint32_t, HotKey> hotKeys_;
     std::optional<std::uint32_t> pressed_;
     Listeners<HotKeyEvent, std::uint32_t> listeners_;
-    Subscription events_;
+    Subscription events_, deviceChanges_;
 };
 
 }  // namespace tarvix

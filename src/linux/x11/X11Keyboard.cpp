@@ -136,8 +136,9 @@ void X11Keyboard::takeFocus() {
 }
 
 void X11Keyboard::watchForLoss(const Taken& taken, bool on) {
-    if (hasXInput_)
-        selectXInputOnRoot(x_, XCB_INPUT_DEVICE_ALL_MASTER, on ? XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS : 0);
+    buttonPresses_.reset();
+    if (hasXInput_ && on)
+        buttonPresses_ = x_.selectXInputOnRoot(XCB_INPUT_DEVICE_ALL_MASTER, XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS);
     // Somebody's grab of the whole keyboard, such as a screen lock's, shows as the application's loss of the focus.
     if (taken.way != Way::eachKeyboard || taken.focusTop == XCB_WINDOW_NONE) return;
     const std::uint32_t mask = on ? XCB_EVENT_MASK_FOCUS_CHANGE : XCB_EVENT_MASK_NO_EVENT;

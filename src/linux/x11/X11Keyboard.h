@@ -98,7 +98,7 @@ private:
     X11Stacking stacking_;
     std::optional<Taken> taken_;
     xcb_window_t focusWindow_ = XCB_WINDOW_NONE;  // gets the keys of the last way; made when first needed
-    Subscription events_;
+    Subscription events_, buttonPresses_;
 };
 
 }  // namespace tarvix

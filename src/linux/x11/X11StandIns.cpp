@@ -21,8 +21,7 @@ void X11StandIns::standIn(std::uint8_t mask) {
     const auto keyboards = readKeyboards(x_);
     const std::uint8_t held = modifiersHeldOn(x_, keyboards.all()) & mask;
     if (held != 0 && modifiers_ == 0) {
-        master_ = keyboards.master;
-        selectXInputOnRoot(x_, master_, XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE);
+        keyReleases_ = x_.selectXInputOnRoot(keyboards.master, XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE);
     }
     set(held);
     if (held != 0) check();  // the hand may have been quicker than the selection
@@ -42,7 +41,7 @@ void X11StandIns::set(std::uint8_t modifiers) {
     lockModifiers(x_, static_cast<std::uint8_t>(modifiers_ & ~modifiers), 0);
     lockModifiers(x_, modifiers, modifiers);
     modifiers_ = modifiers;
-    if (modifiers_ == 0) selectXInputOnRoot(x_, master_, 0);
+    if (modifiers_ == 0) keyReleases_.reset();
     x_.flush();
 }
 

@@ -32,10 +32,9 @@ private:
     void set(std::uint8_t modifiers);
 
     X11Connection& x_;
-    std::uint16_t master_ = 0;  // whose raw events are selected
     std::uint8_t modifiers_ = 0;
     bool isSuspended_ = false;
-    Subscription events_;
+    Subscription events_, keyReleases_;
 };
 
 }  // namespace tarvix

@@ -68,14 +68,6 @@ XInputKeyboards readKeyboards(X11Connection& connection) {
     return keyboards;
 }
 
-void selectXInputOnRoot(X11Connection& connection, std::uint16_t device, std::uint32_t mask) {
-    const struct {
-        xcb_input_event_mask_t head;
-        std::uint32_t mask;
-    } wanted{{device, 1}, mask};
-    xcb_input_xi_select_events(connection.get(), connection.root(), 1, &wanted.head);
-}
-
 const xcb_ge_generic_event_t* asXInput(const X11Connection& connection, const xcb_generic_event_t& event,
                                        std::initializer_list<std::uint16_t> types) {
     if ((event.response_type & 0x7f) != XCB_GE_GENERIC) return nullptr;

@@ -30,9 +30,6 @@ bool startXInput(X11Connection& connection);
 // One or two round trips.
 XInputKeyboards readKeyboards(X11Connection& connection);
 
-// Replaces the XInput events that this connection gets of the root window for a device.
-void selectXInputOnRoot(X11Connection& connection, std::uint16_t device, std::uint32_t mask);
-
 // The event as an XInput 2 one of some type, else null.
 const xcb_ge_generic_event_t* asXInput(const X11Connection& connection, const xcb_generic_event_t& event,
                                        std::initializer_list<std::uint16_t> types);
