@@ -56,8 +56,13 @@ void TheInput::open() {
 
 void TheInput::openInPlace(const std::string& text) {
     setValue(text);
-    panel_->makeKeyAndOrderFront();
+    show();
     appeared();
+}
+
+void TheInput::show() {
+    panel_->makeKeyAndOrderFront();
+    visibilityChanged_();
 }
 
 // Also when the panel has stayed hidden: whoever waits for the notification learns that a session has begun.
@@ -77,12 +82,13 @@ void TheInput::close() {
     if (!isVisible()) return;
     session_.endSession();
     panel_->orderOut();
+    visibilityChanged_();
     if (!dontFlushTheInput_.value()) setValue("");
     platform_.notificationCenter.post(inputNotification::didDisappear);
 }
 
 void TheInput::placeAndShow() {
-    if (place(inputPosition_.value())) panel_->makeKeyAndOrderFront();
+    if (place(inputPosition_.value())) show();
 }
 
 bool TheInput::place(InputPosition position) {

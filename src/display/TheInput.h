@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "base/Listeners.h"
 #include "display/DisplayEngineProtocol.h"
 #include "display/InputPosition.h"
 #include "display/QuerySession.h"
@@ -36,11 +37,16 @@ public:
     void openInPlace(const std::string& text);
     void close() override;
     bool isVisible() const override { return panel_->isVisible(); }
+    // It has been shown or hidden.
+    [[nodiscard]] Subscription onVisibilityChanged(std::function<void()> changed) {
+        return visibilityChanged_.add(std::move(changed));
+    }
     const std::string& value() const override { return value_; }
     void setShowPreloading(bool shows) override;
     bool showPreloading() const { return showPreloading_; }
 
 private:
+    void show();
     void appeared();
     void placeAndShow();
     // False when the panel is to stay hidden.
@@ -68,6 +74,7 @@ private:
     bool showPreloading_ = false;
     InputLook look_;  // what a new panel looks like
     std::unique_ptr<InputPanel> panel_;
+    Listeners<> visibilityChanged_;
     std::vector<Subscription> subscriptions_;
 };
 

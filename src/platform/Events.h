@@ -87,7 +87,7 @@ public:
     virtual ~EventTap() = default;
     // A disabled tap sees and swallows nothing. Enabled to begin with.
     virtual void enable(bool isEnabled) = 0;
-    // Nothing at all to begin with.
+    // Nothing at all to begin with. May be called while an event is told, for a wheel step ends a search.
     virtual void setInterest(TapInterest interest) = 0;
 };
 

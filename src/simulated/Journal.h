@@ -12,6 +12,7 @@ namespace tarvix {
 // What an entry is about, so that a test can look at one kind of effect alone.
 enum class Topic {
     mouse,
+    wheel,
     key,
     hotKey,
     theInput,

@@ -31,6 +31,7 @@ SimulatedDesktop::SimulatedDesktop()
              [this](const KeyEvent& event) {
                  if (event.type == KeyEventType::keyDown) runLoop.onMain([this, event] { deliver(event); });
              }),
+      eventTaps(faults),
       hotKeys(faults),
       panels(log),
       pasteboard(log),
@@ -116,6 +117,17 @@ void SimulatedDesktop::typeCharacter(const std::string& character) {
 
 void SimulatedDesktop::clickElsewhere() {
     if (panels.hasInput()) panels.input().takeKeyboardAway();
+}
+
+void SimulatedDesktop::movePointer(AxPoint to) {
+    screens.pointer = flip(to, screens.firstHeight());
+    eventTaps.move();
+}
+
+bool SimulatedDesktop::scroll() {
+    const bool arrives = eventTaps.scroll();
+    if (arrives) log.note(Topic::wheel, "wheel reached the application");
+    return arrives;
 }
 
 }  // namespace tarvix

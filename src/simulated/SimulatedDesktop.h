@@ -14,6 +14,7 @@
 #include "simulated/Journal.h"
 #include "simulated/SimulatedAccessibility.h"
 #include "simulated/SimulatedApplication.h"
+#include "simulated/SimulatedEventTaps.h"
 #include "simulated/SimulatedEvents.h"
 #include "simulated/SimulatedHotKeys.h"
 #include "simulated/SimulatedInputSources.h"
@@ -59,6 +60,10 @@ public:
     void type(std::string_view text);
     // The user turns to another window, which takes the keyboard.
     void clickElsewhere();
+    // The pointer goes there by hand.
+    void movePointer(AxPoint to);
+    // One step of the wheel over the application; true when it gets there.
+    bool scroll();
 
     void settle() { runLoop.settle(); }
     void turnClock(std::chrono::milliseconds by) { runLoop.turnClock(by); }
@@ -74,6 +79,7 @@ public:
     SimulatedWindowServer windowServer;
     SimulatedScreens screens;
     SimulatedEvents events;
+    SimulatedEventTaps eventTaps;
     SimulatedHotKeys hotKeys;
     SimulatedInputSources inputSources;
     SimulatedPanels panels;

@@ -1,0 +1,43 @@
+// The tap of the pointer and the wheel: what follows the pointer, and what a search does with the wheel.
+#pragma once
+
+#include <memory>
+
+#include "core/TarvixEngineProtocol.h"
+#include "display/InspectorProtocol.h"
+#include "display/TheInput.h"
+#include "platform/Events.h"
+#include "platform/Platform.h"
+#include "shell/Setting.h"
+
+namespace tarvix {
+
+// While The Input is visible the wheel either ends the search or is frozen, as the settings say; it never goes on under
+// an open panel. While it isn't, the tap looks at nothing. Main thread; what is given outlives it.
+class EventTapController {
+public:
+    // Makes the tap; a desktop that can't have one ends the process.
+    EventTapController(const Platform& platform, EventTaps& eventTaps, const TarvixEngineProtocol& engine,
+                       TheInput& theInput, InspectorProtocol& inspector);
+    EventTapController(const EventTapController&) = delete;
+    EventTapController& operator=(const EventTapController&) = delete;
+
+    void enable(bool isEnabled) { tap_->enable(isEnabled); }
+
+private:
+    TapInterest interest() const;
+    Verdict seen(TapEventType type);
+    Verdict wheelSeen();
+    void mouseMoved();
+
+    RunLoop& runLoop_;
+    const TarvixEngineProtocol& engine_;
+    TheInput& theInput_;
+    InspectorProtocol& inspector_;
+    Setting<bool> preventScrollingWhenTarvixing_;
+    Subscription hoverTimer_;
+    std::unique_ptr<EventTap> tap_;
+    Subscription visibility_, settings_;
+};
+
+}  // namespace tarvix
