@@ -39,9 +39,13 @@ protected:
 TEST_F(X11EventsOnDesktop, AClickArrivesAsOneDownAndOneUp) {
     click({150, 150});
     EXPECT_EQ(takeButtons(2), (Lines{"button down 1", "button up 1"}));
-    click({150, 150});
-    click({150, 150});
-    EXPECT_EQ(takeButtons(4), (Lines{"button down 1", "button up 1", "button down 1", "button up 1"}));
+}
+
+TEST_F(X11EventsOnDesktop, TwoClicksInOneGoArriveAsTwo) {
+    // On a popup: openbox 3.6, which looks at every click first, now and then loses one of two on a busy machine.
+    click({650, 110});
+    click({650, 110});
+    EXPECT_EQ(panel.takeLog(), (Lines{"button down 1", "button up 1", "button down 1", "button up 1"}));
 }
 
 TEST_F(X11EventsOnDesktop, ARightClickIsTheThirdButton) {
@@ -116,9 +120,8 @@ TEST_F(X11EventsOnDesktop, AClickWithClearedFlagsHasNoneThoughThePanelGivesTheKe
     hardware.keyDown(key::control);
     hardware.keyDown(key::super);
     click({150, 150}, 0);
-    click({150, 150}, 0);
     keyboard->releaseKeyboard();
-    EXPECT_EQ(takeButtons(4), (Lines{"button down 1", "button up 1", "button down 1", "button up 1"}));
+    EXPECT_EQ(takeButtons(2), (Lines{"button down 1", "button up 1"}));
     hardware.keyUp(key::super);
     hardware.keyUp(key::control);
 }
