@@ -19,7 +19,7 @@ std::unique_ptr<EventTap> require(std::unique_ptr<EventTap> tap) {
 }  // namespace
 
 EventTapController::EventTapController(const Platform& platform, EventTaps& eventTaps,
-                                       const TarvixEngineProtocol& engine, TheInput& theInput,
+                                       const TarvixEngineProtocol& engine, TheInputProtocol& theInput,
                                        InspectorProtocol& inspector)
     : runLoop_(platform.runLoop),
       engine_(engine),

@@ -5,7 +5,7 @@
 
 #include "core/TarvixEngineProtocol.h"
 #include "display/InspectorProtocol.h"
-#include "display/TheInput.h"
+#include "display/TheInputProtocol.h"
 #include "platform/Events.h"
 #include "platform/Platform.h"
 #include "shell/Setting.h"
@@ -18,7 +18,7 @@ class EventTapController {
 public:
     // Makes the tap; a desktop that can't have one ends the process.
     EventTapController(const Platform& platform, EventTaps& eventTaps, const TarvixEngineProtocol& engine,
-                       TheInput& theInput, InspectorProtocol& inspector);
+                       TheInputProtocol& theInput, InspectorProtocol& inspector);
     EventTapController(const EventTapController&) = delete;
     EventTapController& operator=(const EventTapController&) = delete;
 
@@ -32,7 +32,7 @@ private:
 
     RunLoop& runLoop_;
     const TarvixEngineProtocol& engine_;
-    TheInput& theInput_;
+    TheInputProtocol& theInput_;
     InspectorProtocol& inspector_;
     Setting<bool> preventScrollingWhenTarvixing_;
     Subscription hoverTimer_;

@@ -37,8 +37,7 @@ public:
     void openInPlace(const std::string& text);
     void close() override;
     bool isVisible() const override { return panel_->isVisible(); }
-    // It has been shown or hidden.
-    [[nodiscard]] Subscription onVisibilityChanged(std::function<void()> changed) {
+    [[nodiscard]] Subscription onVisibilityChanged(std::function<void()> changed) override {
         return visibilityChanged_.add(std::move(changed));
     }
     const std::string& value() const override { return value_; }

@@ -1,7 +1,10 @@
 // The Input, as the rest of the system uses it.
 #pragma once
 
+#include <functional>
 #include <string>
+
+#include "base/Subscription.h"
 
 namespace tarvix {
 
@@ -15,6 +18,8 @@ public:
     // Ends the session and hides the panel; nothing when it isn't visible.
     virtual void close() = 0;
     virtual bool isVisible() const = 0;
+    // It has been shown or hidden.
+    [[nodiscard]] virtual Subscription onVisibilityChanged(std::function<void()> changed) = 0;
     // The query as typed, not trimmed.
     virtual const std::string& value() const = 0;
     // Whether the candidates are still being read.

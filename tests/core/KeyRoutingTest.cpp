@@ -59,6 +59,7 @@ public:
     void open() override { calls_.push_back("open"); }
     void close() override { calls_.push_back("close"); }
     bool isVisible() const override { return true; }
+    [[nodiscard]] Subscription onVisibilityChanged(std::function<void()>) override { return {}; }
     const std::string& value() const override { return text; }
     void setShowPreloading(bool) override {}
 
