@@ -45,6 +45,8 @@ constexpr auto rows = std::to_array<Row>({
 });
 // clang-format on
 
+constexpr auto keypad = std::to_array<std::uint32_t>({65, 82, 83, 84, 85, 86, 87, 88, 89, 91, 92});
+
 constexpr std::uint32_t x11Offset = 8;
 
 }  // namespace
@@ -60,6 +62,8 @@ std::optional<std::uint16_t> evdevOfKeyCode(std::uint32_t keyCode) {
     if (found == rows.end()) return std::nullopt;
     return found->evdev;
 }
+
+bool isOnKeypad(std::uint32_t keyCode) { return std::ranges::find(keypad, keyCode) != keypad.end(); }
 
 std::optional<std::uint16_t> keyCodeOfX11(std::uint8_t keycode) {
     if (keycode < x11Offset) return std::nullopt;

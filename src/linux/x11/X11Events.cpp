@@ -48,7 +48,7 @@ Outcome<std::unique_ptr<X11Events>> X11Events::open(X11Connection& connection) {
 
 X11Events::X11Events(X11Connection& connection, bool hasXInput)
     : x_(connection), modifiers_(X11Modifiers::read(connection)) {
-    if (hasXInput) standIns_.emplace(x_);
+    if (hasXInput) poster_.emplace(x_, standIns_.emplace(x_));
     events_ = x_.onEvent([this](const xcb_generic_event_t& event) {
         if ((event.response_type & 0x7f) == XCB_MAPPING_NOTIFY) modifiers_ = X11Modifiers::read(x_);
         return X11Connection::Handled::no;
@@ -62,6 +62,7 @@ unsigned X11Events::fake(std::uint8_t type, std::uint8_t detail, std::int16_t x,
 bool X11Events::post(const MouseEvent& event) {
     const auto x = pixelOf(event.point.x), y = pixelOf(event.point.y);
     if (!x || !y || !x_.isAlive()) return false;
+    makeWay_();
     clickThroughPanel();
     const auto row = std::ranges::find(kButtons, event.type, &ButtonRow::type);
     if (row == kButtons.end()) {
@@ -126,28 +127,29 @@ void X11Events::liftKeys(std::uint8_t mask, const std::vector<std::uint16_t>& de
 
 bool X11Events::post(const KeyEvent& event) {
     const auto keycode = x11OfKeyCode(event.keyCode);
-    if (!keycode || !x_.isAlive()) return false;
-    if (event.type == KeyEventType::keyUp) {
-        fake(XCB_KEY_RELEASE, *keycode);
-        x_.flush();
+    if (!keycode || !poster_ || !x_.isAlive()) return false;
+    const std::uint8_t type = event.type == KeyEventType::keyUp ? XCB_KEY_RELEASE : XCB_KEY_PRESS;
+    const std::uint8_t wanted = modifiers_.maskOfEventFlags(event.flags);
+    if (panel_ == 0) {
+        poster_->post(type, *keycode, wanted,
+                      isOnKeypad(event.keyCode) ? X11KeyPoster::NumLock::on : X11KeyPoster::NumLock::asItIs,
+                      modifiers_);
         return true;
     }
-    std::uint8_t there = 0;
-    if (standIns_) {
-        auto devices = std::vector<std::uint16_t>{kMasterKeyboard};
-        if (const auto keyboards = readKeyboards(x_); keyboards.xtest) devices.push_back(*keyboards.xtest);
-        for (const ModifierState& state : modifierStates(x_, devices)) there |= state.effective();
-    }
-    std::vector<std::uint8_t> pressed;
-    const std::uint8_t missing = modifiers_.maskOfEventFlags(event.flags) & static_cast<std::uint8_t>(~there);
-    for (unsigned bit = 0; bit < 8; ++bit)
-        if ((missing >> bit & 1) != 0)
-            if (const auto key = modifiers_.keyOf(static_cast<std::uint8_t>(1u << bit))) pressed.push_back(*key);
-    for (const std::uint8_t key : pressed) fake(XCB_KEY_PRESS, key);
-    fake(XCB_KEY_PRESS, *keycode);
-    for (const std::uint8_t key : pressed) fake(XCB_KEY_RELEASE, key);
+    // It comes back to us, who have the keyboard, and that is soon enough for its modifiers.
+    const std::uint8_t numLock = isOnKeypad(event.keyCode) ? modifiers_.numLock : 0;
+    ownKeys_.push_back({fake(type, *keycode), static_cast<std::uint8_t>(wanted | numLock)});
+    if (ownKeys_.size() > kMostPressesKept) ownKeys_.erase(ownKeys_.begin());
     x_.flush();
     return true;
+}
+
+std::optional<std::uint8_t> X11Events::takeOwnKey(std::uint32_t sequence) {
+    const auto found = std::ranges::find(ownKeys_, sequence, &OwnKey::sequence);
+    if (found == ownKeys_.end()) return std::nullopt;
+    const std::uint8_t modifiers = found->modifiers;
+    ownKeys_.erase(found);
+    return modifiers;
 }
 
 Subscription X11Events::monitorKeyDown(std::function<Verdict(const KeyEvent&)> seen) {

@@ -7,8 +7,10 @@
 #include <optional>
 #include <vector>
 
+#include "base/Listeners.h"
 #include "base/Outcome.h"
 #include "linux/x11/X11Connection.h"
+#include "linux/x11/X11KeyPoster.h"
 #include "linux/x11/X11Modifiers.h"
 #include "linux/x11/X11StandIns.h"
 #include "platform/Events.h"
@@ -30,6 +32,9 @@ public:
     // A panel of ours that lies over the applications and takes clicks itself; none (0) where there is no such panel.
     // What is posted from now on goes through it, from its first event on: it takes clicks again when it is set anew.
     void setPanel(std::uint32_t panel);
+    std::uint32_t panel() const { return panel_; }
+    // Called before each mouse event that is posted: what else of ours lies over the applications gets out of its way.
+    [[nodiscard]] Subscription beforeMouse(std::function<void()> makeWay) { return makeWay_.add(std::move(makeWay)); }
 
     // What the monitor says to a key press; pass where there is none. The monitor may do anything meanwhile, ending the
     // panel's hold of the keyboard included.
@@ -39,6 +44,9 @@ public:
     // Whether a raw button press, which tells the sequence number of the last request before it, was posted by us. True
     // once for each.
     bool tookOwnPress(std::uint32_t sequence);
+    // Of a key event that came while a panel has the keyboard: the modifiers that it was posted with, if it was posted
+    // by us. Once for each.
+    std::optional<std::uint8_t> takeOwnKey(std::uint32_t sequence);
 
 private:
     X11Events(X11Connection& connection, bool hasXInput);
@@ -48,12 +56,20 @@ private:
     std::uint8_t setModifiers(std::uint64_t flags);
     void liftKeys(std::uint8_t mask, const std::vector<std::uint16_t>& devices);
 
+    struct OwnKey {
+        std::uint32_t sequence;
+        std::uint8_t modifiers;
+    };
+
     X11Connection& x_;
     std::optional<X11StandIns> standIns_;  // with XInput
+    std::optional<X11KeyPoster> poster_;   // likewise
     X11Modifiers modifiers_;
     std::uint32_t panel_ = 0;
     std::uint32_t clickedThrough_ = 0;  // the panel whose input shape is empty
+    Listeners<> makeWay_;
     std::vector<unsigned> ownPresses_;
+    std::vector<OwnKey> ownKeys_;
     std::shared_ptr<std::function<Verdict(const KeyEvent&)>> monitor_;
     Subscription events_;
 };

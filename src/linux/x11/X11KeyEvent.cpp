@@ -39,11 +39,13 @@ X11KeyEvent ofCore(const xcb_key_press_event_t& event) {
 
 std::optional<X11KeyEvent> keyEventOf(const X11Connection& connection, const xcb_generic_event_t& event) {
     const int type = event.response_type & 0x7f;
+    std::optional<X11KeyEvent> key;
     if (type == XCB_KEY_PRESS || type == XCB_KEY_RELEASE)
-        return ofCore(reinterpret_cast<const xcb_key_press_event_t&>(event));
-    if (const auto* xinput = asXInput(connection, event, {XCB_INPUT_KEY_PRESS, XCB_INPUT_KEY_RELEASE}))
-        return ofXInput(*reinterpret_cast<const xcb_input_key_press_event_t*>(xinput));
-    return std::nullopt;
+        key = ofCore(reinterpret_cast<const xcb_key_press_event_t&>(event));
+    else if (const auto* xinput = asXInput(connection, event, {XCB_INPUT_KEY_PRESS, XCB_INPUT_KEY_RELEASE}))
+        key = ofXInput(*reinterpret_cast<const xcb_input_key_press_event_t*>(xinput));
+    if (key) key->sequence = event.full_sequence;
+    return key;
 }
 
 }  // namespace tarvix

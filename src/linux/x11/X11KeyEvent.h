@@ -16,8 +16,11 @@ struct X11KeyEvent {
     // The state before the event: modifiers that are down or latched, locked ones, and the layout group likewise.
     std::uint8_t heldModifiers = 0, lockedModifiers = 0;
     std::uint8_t heldGroup = 0, lockedGroup = 0;
+    // The modifiers of an event that was posted by us, in place of the state.
+    std::optional<std::uint8_t> ownModifiers;
     xcb_timestamp_t time = 0;
     std::int16_t rootX = 0, rootY = 0;
+    std::uint32_t sequence = 0;  // of the last request of this connection before it
 
     std::uint8_t modifiers() const { return static_cast<std::uint8_t>(heldModifiers | lockedModifiers); }
 };

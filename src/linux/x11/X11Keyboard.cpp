@@ -198,7 +198,10 @@ Handled X11Keyboard::handle(const xcb_generic_event_t& event) {
     const int type = event.response_type & 0x7f;
     if (type == XCB_MAPPING_NOTIFY) modifiers_ = X11Modifiers::read(x_);
     if (!taken_) return Handled::no;
-    if (const auto key = keyEventOf(x_, event)) return handleKey(*key);
+    if (auto key = keyEventOf(x_, event)) {
+        key->ownModifiers = panelKeys_.takeOwnKey(key->sequence);
+        return handleKey(*key);
+    }
     if (type == XCB_PROPERTY_NOTIFY) {
         const auto& changed = reinterpret_cast<const xcb_property_notify_event_t&>(event);
         if (changed.window == x_.root() && changed.atom == x_.atom("_NET_ACTIVE_WINDOW")) activeWindowChanged();
@@ -278,6 +281,7 @@ void X11Keyboard::forward(const X11KeyEvent& key) {
 }
 
 std::uint8_t X11Keyboard::modifiersOf(const X11KeyEvent& key) const {
+    if (key.ownModifiers) return *key.ownModifiers;
     std::uint8_t modifiers = key.heldModifiers | taken_->locks.locked;
     for (const auto& [device, state] : taken_->states)
         if (device != key.device) modifiers |= state.held;

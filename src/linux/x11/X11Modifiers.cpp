@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <span>
 
 #include "platform/Events.h"
 
@@ -38,11 +39,17 @@ X11Modifiers X11Modifiers::read(X11Connection& connection) {
     X11Modifiers modifiers;
     if (!map || !symbols) return modifiers;
 
+    const auto symbolsOf = [&](std::uint8_t keycode) {
+        return std::span(xcb_get_keyboard_mapping_keysyms(symbols.get()) +
+                             std::ptrdiff_t{keycode - setup->min_keycode} * symbols->keysyms_per_keycode,
+                         symbols->keysyms_per_keycode);
+    };
     const auto sets = [&](std::uint8_t keycode, std::initializer_list<xcb_keysym_t> wanted) {
-        const auto* first = xcb_get_keyboard_mapping_keysyms(symbols.get()) +
-                            std::ptrdiff_t{keycode - setup->min_keycode} * symbols->keysyms_per_keycode;
-        const auto* last = first + symbols->keysyms_per_keycode;
-        return std::find_first_of(first, last, wanted.begin(), wanted.end()) != last;
+        const auto has = symbolsOf(keycode);
+        return std::ranges::find_first_of(has, wanted) != has.end();
+    };
+    const auto isSilent = [&](std::uint8_t keycode) {
+        return std::ranges::all_of(symbolsOf(keycode), [](xcb_keysym_t symbol) { return symbol == XCB_NO_SYMBOL; });
     };
     const xcb_keycode_t* keycodes = xcb_get_modifier_mapping_keycodes(map.get());
     for (std::size_t bit = 0; bit < 8; ++bit)
@@ -50,6 +57,11 @@ X11Modifiers X11Modifiers::read(X11Connection& connection) {
             const std::uint8_t keycode = keycodes[bit * map->keycodes_per_modifier + i];
             if (keycode >= setup->min_keycode) modifiers.keys[bit].push_back(keycode);
         }
+
+    for (int keycode = setup->min_keycode; keycode <= setup->max_keycode && !modifiers.silentKey; ++keycode) {
+        const auto code = static_cast<std::uint8_t>(keycode);
+        if (isSilent(code) && modifiers.maskOfKey(code) == 0) modifiers.silentKey = code;
+    }
 
     // The lowest bit with such a key on it; Shift, Lock and Control have fixed bits.
     const auto find = [&](std::uint8_t& into, std::initializer_list<xcb_keysym_t> wanted) {

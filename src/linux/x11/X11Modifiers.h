@@ -17,6 +17,8 @@ struct X11Modifiers {
     std::uint8_t numLock = 0x10;
     // The keys of each of the eight bits, by keycode.
     std::array<std::vector<std::uint8_t>, 8> keys;
+    // A key that types nothing and does nothing.
+    std::optional<std::uint8_t> silentKey;
 
     // Reads the modifier map. What the map doesn't tell stays at the usual bit.
     static X11Modifiers read(X11Connection& connection);
