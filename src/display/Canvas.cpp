@@ -4,7 +4,7 @@
 
 namespace tarvix {
 
-Canvas::Canvas(Panels& panels) : panel_(panels.makeCanvasPanel()) {
+Canvas::Canvas(Panels& panels, std::string_view drawn) : panel_(panels.makeCanvasPanel(drawn)) {
     panel_->setContent([this] { return drawings(); });
 }
 

@@ -1,11 +1,13 @@
-// The transparent panel over a screen that carries the markers.
+// A transparent panel that carries markers: the one over the screen, or the one over the inspected element.
 #pragma once
 
 #include <memory>
+#include <string_view>
 #include <vector>
 
 #include "base/Geometry.h"
 #include "display/TargetView.h"
+#include "platform/Milestones.h"
 #include "platform/Panels.h"
 
 namespace tarvix {
@@ -13,7 +15,8 @@ namespace tarvix {
 // Main thread. `panels` outlives the canvas.
 class Canvas {
 public:
-    explicit Canvas(Panels& panels);
+    // `drawn` is the milestone that the markers stand on the screen.
+    explicit Canvas(Panels& panels, std::string_view drawn = milestone::markersDrawn);
     ~Canvas() { removeSubviews(); }
     Canvas(const Canvas&) = delete;
     Canvas& operator=(const Canvas&) = delete;

@@ -19,7 +19,9 @@ inline constexpr std::string_view hotKeyPressed = "hot key pressed";
 inline constexpr std::string_view inputShown = "The Input shown";      // painted and with the keyboard
 inline constexpr std::string_view candidatesRead = "candidates read";  // count: candidates
 inline constexpr std::string_view textChanged = "text changed";
-inline constexpr std::string_view markersDrawn = "markers drawn";  // painted; count: markers
+inline constexpr std::string_view markersDrawn = "markers drawn";                     // painted; count: markers
+inline constexpr std::string_view inspectorMarkerDrawn = "inspector's marker drawn";  // painted; count: markers, 1 or 0
+inline constexpr std::string_view inspectorShown = "inspector shown";                 // painted
 inline constexpr std::string_view actionPosted = "action posted";
 inline constexpr std::string_view inputHidden = "The Input hidden";
 }  // namespace milestone

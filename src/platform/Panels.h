@@ -1,11 +1,13 @@
-// The windows of our own: The Input, the canvas of the markers, the dimming panel. None of them ever becomes the active
-// window or activates this program. All on the main thread; all rectangles in panel coordinates unless said otherwise.
+// The windows of our own: The Input, the canvas of the markers, the dimming panel, the inspector. None of them ever
+// becomes the active window or activates this program. All on the main thread; all rectangles in panel coordinates
+// unless said otherwise.
 #pragma once
 
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "base/Geometry.h"
@@ -112,12 +114,36 @@ public:
     virtual void orderBelow(std::uint32_t windowNumber) = 0;
 };
 
+// What the inspector says: a heading, and below it plain text, each line of which ends with a line feed.
+struct InspectorContent {
+    std::string heading;
+    std::string body;
+    friend bool operator==(const InspectorContent&, const InspectorContent&) = default;
+};
+
+// The floating view beside the inspector's marker, at level 1000. The pointer goes through it, and it never takes the
+// keyboard.
+class InspectorPanel {
+public:
+    virtual ~InspectorPanel() = default;
+    virtual void setContent(const InspectorContent& content) = 0;
+    // What the content takes up, long lines broken to stay within the width of `most`; what is higher than `most` is
+    // cut off at the end.
+    virtual Size fittingSize(Size most) = 0;
+    virtual void setFrame(PanelRect frame) = 0;
+    // Above everything, and shown if it wasn't.
+    virtual void orderFrontRegardless() = 0;
+    virtual void orderOut() = 0;
+};
+
 class Panels {
 public:
     virtual ~Panels() = default;
     virtual std::unique_ptr<InputPanel> makeInputPanel() = 0;
-    virtual std::unique_ptr<CanvasPanel> makeCanvasPanel() = 0;
+    // `drawn` is the milestone that its content has reached the screen.
+    virtual std::unique_ptr<CanvasPanel> makeCanvasPanel(std::string_view drawn) = 0;
     virtual std::unique_ptr<DimmingPanel> makeDimmingPanel() = 0;
+    virtual std::unique_ptr<InspectorPanel> makeInspectorPanel() = 0;
     virtual SystemColors& colors() = 0;
 };
 

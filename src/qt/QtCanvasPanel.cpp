@@ -23,10 +23,11 @@ const QRect kNowhere(-2, -2, 1, 1);
 
 class CanvasWindow : public QWidget {
 public:
-    explicit CanvasWindow(Milestones& milestones)
+    CanvasWindow(Milestones& milestones, std::string_view drawn)
         : QWidget(nullptr, Qt::X11BypassWindowManagerHint | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint |
                                Qt::Tool | Qt::WindowTransparentForInput | Qt::WindowDoesNotAcceptFocus),
-          milestones_(milestones) {
+          milestones_(milestones),
+          drawn_(drawn) {
         setObjectName("Canvas");
         setAttribute(Qt::WA_TranslucentBackground);
         setAttribute(Qt::WA_ShowWithoutActivating);
@@ -89,7 +90,7 @@ private:
     void report() {
         unreported_ = false;
         flushToServer();
-        milestones_.reached(milestone::markersDrawn, markers_.size());
+        milestones_.reached(drawn_, markers_.size());
     }
 
     QRectF boundsOf(const MarkerDrawing& marker) const {
@@ -112,6 +113,7 @@ private:
     }
 
     Milestones& milestones_;
+    std::string_view drawn_;
     std::vector<MarkerDrawing> markers_;  // as painted
     QPointF corner_;
     bool translucent_ = true;
@@ -120,7 +122,8 @@ private:
 
 class QtCanvasPanel : public CanvasPanel {
 public:
-    explicit QtCanvasPanel(const PanelServices& services) : services_(services), window_(services.milestones) {}
+    QtCanvasPanel(const PanelServices& services, std::string_view drawn)
+        : services_(services), window_(services.milestones, drawn) {}
 
     void setFrame(PanelRect frame) override {
         frame_ = frame;
@@ -171,8 +174,8 @@ private:
 
 }  // namespace
 
-std::unique_ptr<CanvasPanel> makeQtCanvasPanel(const PanelServices& services) {
-    return std::make_unique<QtCanvasPanel>(services);
+std::unique_ptr<CanvasPanel> makeQtCanvasPanel(const PanelServices& services, std::string_view drawn) {
+    return std::make_unique<QtCanvasPanel>(services, drawn);
 }
 
 }  // namespace tarvix

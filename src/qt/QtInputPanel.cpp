@@ -6,11 +6,11 @@
 #include <QBitmap>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QScreen>
 #include <QTimer>
 #include <cmath>
 
 #include "base/Listeners.h"
+#include "qt/Appearance.h"
 #include "qt/InputField.h"
 #include "qt/ProgressSpinner.h"
 #include "qt/ServerSync.h"
@@ -23,17 +23,6 @@ constexpr double kPadding = 6;  // between the rounded rectangle and the field
 constexpr double kMargin = 16;  // around the rounded rectangle
 constexpr double kSpinnerSize = 14;
 constexpr double kLargeText = 28;  // beyond it the field reaches over the trailing edge, where its spare width lies
-constexpr int kMeasuredDpi = 96;   // a point is a pixel at this resolution
-
-double desktopScale() {
-    const QScreen* screen = QGuiApplication::primaryScreen();
-    return screen ? screen->logicalDotsPerInchY() / kMeasuredDpi : 1;
-}
-
-bool isDarkAppearance() {
-    const QPalette palette = QGuiApplication::palette();
-    return palette.color(QPalette::WindowText).lightnessF() > palette.color(QPalette::Window).lightnessF();
-}
 
 // The panel's look in pixels of this desktop.
 struct PixelLook {

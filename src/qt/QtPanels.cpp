@@ -3,11 +3,15 @@
 #include "qt/QtCanvasPanel.h"
 #include "qt/QtDimmingPanel.h"
 #include "qt/QtInputPanel.h"
+#include "qt/QtInspectorPanel.h"
 
 namespace tarvix {
 
 std::unique_ptr<InputPanel> QtPanels::makeInputPanel() { return makeQtInputPanel(services_); }
-std::unique_ptr<CanvasPanel> QtPanels::makeCanvasPanel() { return makeQtCanvasPanel(services_); }
+std::unique_ptr<CanvasPanel> QtPanels::makeCanvasPanel(std::string_view drawn) {
+    return makeQtCanvasPanel(services_, drawn);
+}
 std::unique_ptr<DimmingPanel> QtPanels::makeDimmingPanel() { return makeQtDimmingPanel(services_); }
+std::unique_ptr<InspectorPanel> QtPanels::makeInspectorPanel() { return makeQtInspectorPanel(services_); }
 
 }  // namespace tarvix

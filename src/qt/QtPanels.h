@@ -12,8 +12,9 @@ public:
     explicit QtPanels(const PanelServices& services) : services_(services) {}
 
     std::unique_ptr<InputPanel> makeInputPanel() override;
-    std::unique_ptr<CanvasPanel> makeCanvasPanel() override;
+    std::unique_ptr<CanvasPanel> makeCanvasPanel(std::string_view drawn) override;
     std::unique_ptr<DimmingPanel> makeDimmingPanel() override;
+    std::unique_ptr<InspectorPanel> makeInspectorPanel() override;
     SystemColors& colors() override { return colors_; }
 
 private:

@@ -1,5 +1,8 @@
-// The canvas of the markers, painted when the test looks at it.
+// A canvas of markers, painted when the test looks at it.
 #pragma once
+
+#include <string>
+#include <utility>
 
 #include "platform/Panels.h"
 #include "simulated/Journal.h"
@@ -8,22 +11,23 @@ namespace tarvix {
 
 class SimulatedCanvasPanel : public CanvasPanel {
 public:
-    explicit SimulatedCanvasPanel(Journal& journal) : journal_(journal) {}
+    SimulatedCanvasPanel(Journal& journal, Topic topic, std::string name)
+        : journal_(journal), topic_(topic), name_(std::move(name)) {}
 
     void setFrame(PanelRect frame) override {
         frame_ = frame;
-        journal_.note(Topic::canvas, "canvas at " + numeral(frame.origin.x) + "," + numeral(frame.origin.y) + " " +
-                                         numeral(frame.size.width) + "x" + numeral(frame.size.height));
+        journal_.note(topic_, name_ + " at " + numeral(frame.origin.x) + "," + numeral(frame.origin.y) + " " +
+                                  numeral(frame.size.width) + "x" + numeral(frame.size.height));
     }
     PanelRect frame() const override { return frame_; }
     void orderFrontRegardless() override {
         if (!visible_) needsDisplay_ = true;
         visible_ = true;
-        journal_.note(Topic::canvas, "canvas in front");
+        journal_.note(topic_, name_ + " in front");
     }
     void orderOut() override {
         visible_ = false;
-        journal_.note(Topic::canvas, "canvas hidden");
+        journal_.note(topic_, name_ + " hidden");
     }
     void setNeedsDisplay() override { needsDisplay_ = true; }
     void setContent(std::function<std::vector<MarkerDrawing>()> content) override { content_ = std::move(content); }
@@ -40,6 +44,8 @@ public:
 
 private:
     Journal& journal_;
+    Topic topic_;
+    std::string name_;
     PanelRect frame_;
     bool visible_ = false;
     bool needsDisplay_ = false;

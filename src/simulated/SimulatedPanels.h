@@ -3,9 +3,11 @@
 
 #include <cassert>
 
+#include "platform/Milestones.h"
 #include "simulated/SimulatedCanvasPanel.h"
 #include "simulated/SimulatedDimmingPanel.h"
 #include "simulated/SimulatedInputPanel.h"
+#include "simulated/SimulatedInspectorPanel.h"
 
 namespace tarvix {
 
@@ -26,21 +28,28 @@ public:
     explicit SimulatedPanels(Journal& journal) : journal_(journal) {}
 
     std::unique_ptr<InputPanel> makeInputPanel() override { return make(input_); }
-    std::unique_ptr<CanvasPanel> makeCanvasPanel() override { return make(canvas_); }
+    std::unique_ptr<CanvasPanel> makeCanvasPanel(std::string_view drawn) override {
+        return drawn == milestone::inspectorMarkerDrawn ? make(inspectorCanvas_, Topic::inspector, "inspector's canvas")
+                                                        : make(canvas_, Topic::canvas, "canvas");
+    }
     std::unique_ptr<DimmingPanel> makeDimmingPanel() override { return make(dimming_); }
+    std::unique_ptr<InspectorPanel> makeInspectorPanel() override { return make(inspector_); }
     SystemColors& colors() override { return systemColors; }
 
     bool hasInput() const { return input_ != nullptr; }
     SimulatedInputPanel& input() const { return *made(input_); }
     SimulatedCanvasPanel& canvas() const { return *made(canvas_); }
     SimulatedDimmingPanel& dimming() const { return *made(dimming_); }
+    bool hasInspectorCanvas() const { return inspectorCanvas_ != nullptr; }
+    SimulatedCanvasPanel& inspectorCanvas() const { return *made(inspectorCanvas_); }
+    SimulatedInspectorPanel& inspector() const { return *made(inspector_); }
 
     SimulatedColors systemColors;
 
 private:
-    template <class Panel>
-    std::unique_ptr<Panel> make(Panel*& latest) {
-        auto panel = std::make_unique<Panel>(journal_);
+    template <class Panel, class... More>
+    std::unique_ptr<Panel> make(Panel*& latest, More... more) {
+        auto panel = std::make_unique<Panel>(journal_, more...);
         latest = panel.get();
         return panel;
     }
@@ -53,7 +62,9 @@ private:
     Journal& journal_;
     SimulatedInputPanel* input_ = nullptr;
     SimulatedCanvasPanel* canvas_ = nullptr;
+    SimulatedCanvasPanel* inspectorCanvas_ = nullptr;
     SimulatedDimmingPanel* dimming_ = nullptr;
+    SimulatedInspectorPanel* inspector_ = nullptr;
 };
 
 }  // namespace tarvix

@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/Milestones.h"
 #include "platform/Panels.h"
 #include "tests/contract/Subject.h"
 
@@ -72,7 +73,7 @@ TEST_P(PanelsContract, ATextThatIsSetIsNotReported) {
 }
 
 TEST_P(PanelsContract, TheCanvasKeepsItsFrame) {
-    const auto canvas = panels.makeCanvasPanel();
+    const auto canvas = panels.makeCanvasPanel(milestone::markersDrawn);
     const PanelRect frame{{0, 0}, {640, 480}};
     canvas->setFrame(frame);
     EXPECT_EQ(canvas->frame(), frame);

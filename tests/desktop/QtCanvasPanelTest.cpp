@@ -171,7 +171,7 @@ protected:
         });
     }
 
-    std::unique_ptr<CanvasPanel> canvas = makeQtCanvasPanel(services);
+    std::unique_ptr<CanvasPanel> canvas = makeQtCanvasPanel(services, milestone::markersDrawn);
     std::vector<MarkerDrawing> markers;
     int asked = 0;
     double height = 0;

@@ -1,0 +1,243 @@
+#include "qt/QtInspectorPanel.h"
+
+#include <QApplication>
+#include <QBitmap>
+#include <QGlyphRun>
+#include <QPainter>
+#include <QTextLayout>
+#include <QWidget>
+#include <algorithm>
+#include <cmath>
+
+#include "qt/Appearance.h"
+#include "qt/ServerSync.h"
+
+namespace tarvix {
+
+namespace {
+
+// In points.
+constexpr double kHeadingSize = 17;
+constexpr double kTextSize = 13;
+constexpr double kPadding = 16;
+constexpr double kBelowHeading = 10;
+constexpr double kCornerRadius = 10;
+constexpr double kBorder = 1;
+
+// Plain text in lines, as measured and as painted.
+class Paragraph {
+public:
+    // As many whole lines as there is room for, at least one.
+    void arrange(QString text, const QFont& font, QSizeF most) {
+        layout_.setFont(font);
+        layout_.setText(text.replace('\n', QChar(QChar::LineSeparator)));
+        QTextOption option;
+        option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);  // a long address has no blanks
+        layout_.setTextOption(option);
+        size_ = {};
+        layout_.beginLayout();
+        for (QTextLine line = layout_.createLine(); line.isValid(); line = layout_.createLine()) {
+            line.setLineWidth(most.width());
+            line.setPosition({0, size_.height()});
+            const double bottom = size_.height() + line.height();
+            if (bottom > most.height() && line.lineNumber() > 0) {
+                line.setNumColumns(0);
+                break;
+            }
+            size_ = {std::max(size_.width(), line.naturalTextWidth()), bottom};
+        }
+        layout_.endLayout();
+    }
+
+    QSizeF size() const { return size_; }
+
+    void paint(QPainter& painter, QPointF at) const {
+        for (int i = 0; i < layout_.lineCount(); ++i)
+            if (layout_.lineAt(i).y() < size_.height()) layout_.lineAt(i).draw(&painter, at);
+    }
+
+private:
+    QTextLayout layout_;
+    QSizeF size_;
+};
+
+bool canBeShown(const QString& word, const QFont& font) {
+    QTextLayout layout(word, font);
+    layout.beginLayout();
+    layout.createLine();
+    layout.endLayout();
+    for (const QGlyphRun& run : layout.glyphRuns())
+        if (run.glyphIndexes().contains(0)) return false;
+    return true;
+}
+
+// Without the words that no font here has the glyphs of: a missing emoji is better than a box.
+QString showable(const QString& text, const QFont& font) {
+    QStringList words = text.split(' ');
+    words.removeIf([&](const QString& word) { return !canBeShown(word, font); });
+    return words.join(' ');
+}
+
+QFont fontOf(double points, QFont::Weight weight) {
+    QFont font = QGuiApplication::font();
+    font.setPixelSize(std::max(1, static_cast<int>(std::lround(points * desktopScale()))));
+    font.setWeight(weight);
+    return font;
+}
+
+class InspectorWindow : public QWidget {
+public:
+    InspectorWindow()
+        : QWidget(nullptr, Qt::X11BypassWindowManagerHint | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint |
+                               Qt::Tool | Qt::WindowTransparentForInput | Qt::WindowDoesNotAcceptFocus) {
+        setObjectName("Inspector");
+        setAttribute(Qt::WA_TranslucentBackground);
+        setAttribute(Qt::WA_ShowWithoutActivating);
+        setAttribute(Qt::WA_TransparentForMouseEvents);
+        winId();
+    }
+
+    void setContent(const InspectorContent& content) {
+        content_ = content;
+        update();
+    }
+
+    Size arrange(Size most) {
+        scale_ = desktopScale();
+        const double paddings = 2 * kPadding * scale_;
+        const double width = most.width - paddings;
+        const QFont headingFont = fontOf(kHeadingSize, QFont::Bold);
+        heading_.arrange(showable(QString::fromStdString(content_.heading), headingFont), headingFont,
+                         {width, most.height});
+        QString body = QString::fromStdString(content_.body);
+        if (body.endsWith('\n')) body.chop(1);
+        body_.arrange(body, fontOf(kTextSize, QFont::Normal), {width, most.height - paddings - bodyTop()});
+        return {std::min(most.width, std::ceil(std::max(heading_.size().width(), body_.size().width()) + paddings)),
+                std::min(most.height, std::ceil(paddings + bodyTop() + body_.size().height()))};
+    }
+
+    void setTranslucent(bool translucent) {
+        translucent_ = translucent;
+        maskIfOpaque();
+    }
+
+    // Not by resizeEvent(), which a hidden widget gets at its next showing only.
+    void place(const QRect& pixels) {
+        setGeometry(pixels);
+        maskIfOpaque();
+        update();
+    }
+
+    std::function<void()> onPainted;
+
+protected:
+    void paintEvent(QPaintEvent*) override {
+        const bool dark = isDarkAppearance();
+        const QColor ink = dark ? Qt::white : Qt::black;
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        QColor edge = ink;
+        edge.setAlphaF(0.3F);
+        painter.setPen(QPen(edge, kBorder * scale_));
+        painter.setBrush(dark ? QColor(44, 44, 48) : QColor(250, 250, 250));
+        painter.drawRoundedRect(box(), kCornerRadius * scale_, kCornerRadius * scale_);
+        painter.setPen(ink);
+        const double padding = kPadding * scale_;
+        heading_.paint(painter, {padding, padding});
+        body_.paint(painter, {padding, padding + bodyTop()});
+        if (onPainted) onPainted();
+    }
+
+    void changeEvent(QEvent* event) override {
+        if (event->type() == QEvent::PaletteChange) update();
+        QWidget::changeEvent(event);
+    }
+
+private:
+    double bodyTop() const { return heading_.size().height() + kBelowHeading * scale_; }
+
+    QRectF box() const {
+        const double inset = kBorder * scale_ / 2;
+        return QRectF(rect()).adjusted(inset, inset, -inset, -inset);
+    }
+
+    // Without a compositor the corners would show as black.
+    void maskIfOpaque() {
+        if (translucent_ || size().isEmpty()) {
+            clearMask();
+            return;
+        }
+        QBitmap shape(size());
+        shape.clear();
+        QPainter painter(&shape);
+        painter.setBrush(Qt::color1);
+        painter.setPen(QPen(Qt::color1, kBorder * scale_));
+        painter.drawRoundedRect(box(), kCornerRadius * scale_, kCornerRadius * scale_);
+        painter.end();
+        setMask(shape);
+    }
+
+    InspectorContent content_;
+    double scale_ = 1;
+    Paragraph heading_, body_;
+    bool translucent_ = true;
+};
+
+class QtInspectorPanel : public InspectorPanel {
+public:
+    explicit QtInspectorPanel(const PanelServices& services) : services_(services) {
+        window_.onPainted = [this] { painted(); };
+    }
+
+    void setContent(const InspectorContent& content) override {
+        window_.setContent(content);
+        unreported_ = true;
+    }
+
+    Size fittingSize(Size most) override { return window_.arrange(most); }
+
+    void setFrame(PanelRect frame) override {
+        window_.place(pixelsOf(flip(frame, firstScreenHeight(services_.screens))));
+    }
+
+    void orderFrontRegardless() override {
+        window_.setTranslucent(services_.windowing.isComposited());
+        if (!window_.isVisible()) {
+            window_.show();
+            syncWithServer();
+        }
+        services_.windowing.stackOnTop(static_cast<std::uint32_t>(window_.winId()));
+    }
+
+    void orderOut() override {
+        if (!window_.isVisible()) return;
+        window_.hide();
+        flushToServer();
+    }
+
+private:
+    void painted() {
+        if (!unreported_) return;
+        unreported_ = false;
+        // Queued, as the painting reaches the server after the event that asked for it.
+        QMetaObject::invokeMethod(
+            &window_,
+            [this] {
+                flushToServer();
+                services_.milestones.reached(milestone::inspectorShown, 0);
+            },
+            Qt::QueuedConnection);
+    }
+
+    PanelServices services_;
+    InspectorWindow window_;
+    bool unreported_ = false;
+};
+
+}  // namespace
+
+std::unique_ptr<InspectorPanel> makeQtInspectorPanel(const PanelServices& services) {
+    return std::make_unique<QtInspectorPanel>(services);
+}
+
+}  // namespace tarvix
