@@ -7,8 +7,10 @@
 #include <string_view>
 
 #include "core/AppCore.h"
+#include "core/KeyHelp.h"
 #include "linux/atspi/AtspiService.h"
 #include "linux/x11/X11Connection.h"
+#include "linux/x11/X11EventTaps.h"
 #include "linux/x11/X11Events.h"
 #include "linux/x11/X11HotKeys.h"
 #include "linux/x11/X11InputSources.h"
@@ -46,6 +48,13 @@ constexpr const char* kHelp =
     "Environment:\n"
     "  TARVIX_MILESTONES  a file that gets a line with the time of each moment of a search\n";
 
+void printHelp() {
+    std::fputs(kHelp, stdout);
+    std::puts("\nKeys while The Input is up:");
+    for (const auto& [keys, help] : keyHelp())
+        std::printf("  %s\n      %.*s\n", keys.c_str(), static_cast<int>(help.size()), help.data());
+}
+
 // The exit status where the command line is all there is to answer.
 std::optional<int> answerCommandLine(int count, char** arguments) {
     if (count < 2) return std::nullopt;
@@ -55,7 +64,7 @@ std::optional<int> answerCommandLine(int count, char** arguments) {
         return EXIT_SUCCESS;
     }
     if (option == "--help") {
-        std::fputs(kHelp, stdout);
+        printHelp();
         return EXIT_SUCCESS;
     }
     std::fprintf(stderr, "tarvix: unknown argument '%s'; try 'tarvix --help'\n", arguments[1]);
@@ -89,6 +98,7 @@ int run(std::unique_ptr<X11Windows> windows) {
 
     const auto connection = require(X11Connection::open());
     const auto events = require(X11Events::open(*connection));
+    const auto eventTaps = require(X11EventTaps::open(*connection, *events, runLoop));
     const auto hotKeys = require(X11HotKeys::open(*connection));
     const auto keyboard = require(X11Keyboard::open(*connection, *events));
     const auto inputSources = require(X11InputSources::open(runLoop));
@@ -102,9 +112,9 @@ int run(std::unique_ptr<X11Windows> windows) {
         if (event == HotKeyEvent::pressed) milestones.reached(milestone::hotKeyPressed, 0);
     });
 
-    const Platform platform{*accessibility, thisProgram, *workspace,         *windowServer, *screens,
-                            *events,        *hotKeys,    *inputSources,      panels,        runLoop,
-                            userDefaults,   pasteboard,  notificationCenter, milestones};
+    const Platform platform{*accessibility, thisProgram,  *workspace, *windowServer,      *screens,
+                            *events,        *eventTaps,   *hotKeys,   *inputSources,      panels,
+                            runLoop,        userDefaults, pasteboard, notificationCenter, milestones};
     AppCore core(platform);
     if (!accessibility->isTrusted()) accessibility->askForTrust();
     core.start();
