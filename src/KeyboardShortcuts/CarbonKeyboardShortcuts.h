@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <optional>
+#include <vector>
 
 #include "KeyboardShortcuts/Shortcut.h"
 #include "base/Subscription.h"
@@ -21,15 +23,20 @@ public:
     CarbonKeyboardShortcuts(const CarbonKeyboardShortcuts&) = delete;
     CarbonKeyboardShortcuts& operator=(const CarbonKeyboardShortcuts&) = delete;
 
-    // Takes the shortcut's hot key under a new id, enabled or not. One that can't be had is not recorded, silently:
-    // nobody can help it when another program holds it.
+    // Takes the shortcut's hot key under a new id, enabled or not. One that can't be had gives no hot key, silently:
+    // nobody can help it when another program holds it. It is had at its first press after that program has let go of
+    // it, and this press is served.
     void registerShortcut(const Shortcut& shortcut, Handler onKeyDown, Handler onKeyUp);
     // Gives up every hot key with this key and these modifiers.
     void unregisterShortcut(const Shortcut& shortcut);
 
-    // Off: all hot keys are given back to the desktop and none is served; on: they are taken again under their old ids,
-    // and one that can't be had any more is forgotten.
-    void setEnabled(bool isEnabled);
+    // How presses come: as hot keys; as raw keys while a menu keeps hot keys from firing; or not at all. Hot keys that
+    // aren't served are given back to the desktop, and are taken again under their old ids.
+    enum class Path { hotKeys, rawKeys, none };
+    void setPath(Path path);
+
+    // The shortcuts that the desktop itself has taken, as far as it says. May last a second or more.
+    std::vector<Shortcut> systemReservedShortcuts();
 
 private:
     struct HotKey {
@@ -37,19 +44,34 @@ private:
         bool isTaken = false;  // false while it is given back for a time
         Handler onKeyDown;
         Handler onKeyUp;
+
+        void call(HotKeyEvent event) const { (event == HotKeyEvent::pressed ? onKeyDown : onKeyUp)(shortcut); }
     };
 
+    bool take(HotKey hotKey);
     void updateEventHandler();
     void softRegisterAll();
     void softUnregisterAll();
+    void updateRawKeys();
     void handle(HotKeyEvent event, std::uint32_t id);
+    Verdict handleRawKey(const RawKeyEvent& event);
+    Verdict serveInMenu(const RawKeyEvent& event);
+    void serveFreed(const RawKeyEvent& event);
 
     HotKeys& platform_;
     std::map<std::uint32_t, HotKey> hotKeys_;
     std::uint32_t hotKeyId_ = 0;  // of the last registration; ids are never reused
-    bool isEnabled_ = true;
+    Path path_ = Path::hotKeys;
     bool hasEventHandler_ = false;  // from the first hot key on
     Subscription hotKeyEvents_;
+    Subscription rawKeys_;
+    std::vector<HotKey> refused_;  // what another program held when it was asked for
+    // The one that was had at its own press: its release isn't told as a hot key's.
+    struct Freed {
+        std::uint32_t id = 0;
+        std::uint32_t keyCode = 0;
+    };
+    std::optional<Freed> freed_;
 };
 
 }  // namespace tarvix

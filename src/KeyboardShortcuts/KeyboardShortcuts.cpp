@@ -11,10 +11,28 @@ std::string storeKey(const ShortcutName& name) { return "KeyboardShortcuts_" + n
 }  // namespace
 
 KeyboardShortcuts::KeyboardShortcuts(UserDefaults& userDefaults, HotKeys& hotKeys)
-    : userDefaults_(userDefaults), carbon_(hotKeys) {}
+    : userDefaults_(userDefaults), hotKeys_(hotKeys), carbon_(hotKeys) {}
 
 void KeyboardShortcuts::define(const Name& name) {
     if (name.defaultShortcut && !userDefaults_.get(storeKey(name))) setShortcut(name.defaultShortcut, name);
+    initialize();
+}
+
+void KeyboardShortcuts::initialize() {
+    if (isInitialized_) return;
+    menuTracking_ = hotKeys_.onMenuTracking([this](MenuTracking now) { setMenuOpen(now == MenuTracking::began); });
+    isInitialized_ = true;
+}
+
+void KeyboardShortcuts::setMenuOpen(bool isMenuOpen) {
+    if (isMenuOpen == isMenuOpen_) return;
+    isMenuOpen_ = isMenuOpen;
+    updateEventHandler();
+}
+
+void KeyboardShortcuts::updateEventHandler() {
+    using Path = CarbonKeyboardShortcuts::Path;
+    carbon_.setPath(!isEnabled_ ? Path::none : isMenuOpen_ ? Path::rawKeys : Path::hotKeys);
 }
 
 std::optional<Shortcut> KeyboardShortcuts::getShortcut(const Name& name) const {
@@ -73,7 +91,7 @@ void KeyboardShortcuts::removeAllHandlers() {
 void KeyboardShortcuts::setEnabled(bool isEnabled) {
     if (isEnabled == isEnabled_) return;
     isEnabled_ = isEnabled;
-    carbon_.setEnabled(isEnabled);
+    updateEventHandler();
 }
 
 void KeyboardShortcuts::registerIfNeeded(const Name& name) {

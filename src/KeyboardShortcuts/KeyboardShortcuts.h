@@ -45,8 +45,14 @@ public:
     bool isEnabled() const { return isEnabled_; }
     void setEnabled(bool isEnabled);
 
+    // Whether a menu keeps hot keys from firing; raw keys serve meanwhile.
+    bool isMenuOpen() const { return isMenuOpen_; }
+
     // While it is true the hot keys are held and no handler is called.
     bool isPaused = false;
+
+    // The shortcuts that the desktop itself has taken, as far as it says. May last a second or more.
+    std::vector<Shortcut> systemReservedShortcuts() { return carbon_.systemReservedShortcuts(); }
 
     // A name's shortcut has been set or cleared here.
     [[nodiscard]] Subscription onShortcutByNameDidChange(std::function<void(const Name& name)> changed) {
@@ -56,6 +62,9 @@ public:
 private:
     using Handlers = std::map<Name, std::vector<Handler>>;
 
+    void initialize();
+    void setMenuOpen(bool isMenuOpen);
+    void updateEventHandler();
     void replaceShortcut(const Shortcut& shortcut, const Name& name);
     void clearShortcut(const Name& name);
     void registerIfNeeded(const Name& name);
@@ -64,12 +73,16 @@ private:
     void dispatch(const Handlers& handlers, const Shortcut& pressed) const;
 
     UserDefaults& userDefaults_;
+    HotKeys& hotKeys_;
     CarbonKeyboardShortcuts carbon_;
     // Those that a hot key was asked for, had or not.
     std::set<Shortcut> registeredShortcuts_;
     Handlers keyDownHandlers_;
     Handlers keyUpHandlers_;
     bool isEnabled_ = true;
+    bool isMenuOpen_ = false;
+    bool isInitialized_ = false;
+    Subscription menuTracking_;
     Listeners<const Name&> shortcutByNameDidChange_;
 };
 

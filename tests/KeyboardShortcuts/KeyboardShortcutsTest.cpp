@@ -192,15 +192,17 @@ TEST_F(KeyboardShortcutsTest, OffAndOnRestoresTheHotKeysWithTheirOldIds) {
     EXPECT_EQ(journal, Journal{"toggled"});
 }
 
-TEST_F(KeyboardShortcutsTest, AHotKeyLostWhileOffIsForgotten) {
+TEST_F(KeyboardShortcutsTest, AHotKeyLostWhileOffLeavesTheRestAndIsSilent) {
     shortcuts.define(toggleWith);
+    shortcuts.setShortcut(controlAShortcut, plainName);
+    shortcuts.onKeyDown(toggleWith, writes("toggled"));
     shortcuts.setEnabled(false);
     hotKeys.takenByOthers.insert(shiftCommandSpace);
     shortcuts.setEnabled(true);
-    EXPECT_TRUE(held().empty());
-    shortcuts.setEnabled(false);
-    shortcuts.setEnabled(true);
-    EXPECT_TRUE(held().empty());
+    EXPECT_EQ(held(), std::vector{controlA});
+    EXPECT_EQ(heldIds(), std::vector{2u});
+    EXPECT_FALSE(hotKeys.press(shiftCommandSpace));
+    EXPECT_EQ(journal, Journal{});
 }
 
 TEST_F(KeyboardShortcutsTest, WhatIsTakenWhileOffIsNotServed) {
@@ -233,6 +235,203 @@ TEST_F(KeyboardShortcutsTest, AShortcutThatAnotherProgramHoldsGivesNoHotKeyAndNo
     EXPECT_EQ(held(), std::vector{controlA});
     hotKeys.press(controlA);
     EXPECT_EQ(journal, Journal{"toggled"});
+}
+
+// A key that another program holds ------------------------------------------------------------------------------------
+
+TEST_F(KeyboardShortcutsTest, OnceFreeAShortcutIsServedFromItsFirstPressOn) {
+    hotKeys.takenByOthers.insert(shiftCommandSpace);
+    shortcuts.define(toggleWith);
+    shortcuts.onKeyDown(toggleWith, writes("toggled"));
+    shortcuts.onKeyUp(toggleWith, writes("up"));
+    hotKeys.press(shiftCommandSpace);
+    EXPECT_EQ(journal, Journal{});
+    hotKeys.takenByOthers.clear();
+    EXPECT_TRUE(held().empty());
+    hotKeys.press(shiftCommandSpace);
+    EXPECT_EQ(journal, (Journal{"toggled", "up"}));
+    EXPECT_EQ(held(), std::vector{shiftCommandSpace});
+    hotKeys.press(shiftCommandSpace);
+    EXPECT_EQ(journal, (Journal{"toggled", "up", "toggled", "up"}));
+}
+
+TEST_F(KeyboardShortcutsTest, WhatWasLostWhileOffIsServedOnceFree) {
+    shortcuts.define(toggleWith);
+    shortcuts.onKeyDown(toggleWith, writes("toggled"));
+    shortcuts.setEnabled(false);
+    hotKeys.takenByOthers.insert(shiftCommandSpace);
+    shortcuts.setEnabled(true);
+    hotKeys.takenByOthers.clear();
+    hotKeys.press(shiftCommandSpace);
+    EXPECT_EQ(journal, Journal{"toggled"});
+}
+
+TEST_F(KeyboardShortcutsTest, OtherKeysDoNotTakeAFreedOne) {
+    hotKeys.takenByOthers.insert(shiftCommandSpace);
+    shortcuts.define(toggleWith);
+    hotKeys.takenByOthers.clear();
+    for (const Chord& other : {Chord{49, 0}, Chord{49, 0x100}, Chord{49, 0x1b00}, Chord{48, 0x300}})
+        EXPECT_FALSE(hotKeys.press(other));
+    EXPECT_TRUE(held().empty());
+}
+
+TEST_F(KeyboardShortcutsTest, OnlyWhileAKeyIsRefusedAreKeysListenedTo) {
+    shortcuts.define(toggleWith);
+    EXPECT_FALSE(hotKeys.hearsRawKeys());
+    hotKeys.takenByOthers.insert(controlA);
+    shortcuts.setShortcut(controlAShortcut, plainName);
+    EXPECT_TRUE(hotKeys.hearsRawKeys());
+    shortcuts.setEnabled(false);
+    EXPECT_FALSE(hotKeys.hearsRawKeys());
+    shortcuts.setEnabled(true);
+    EXPECT_TRUE(hotKeys.hearsRawKeys());
+    hotKeys.takenByOthers.clear();
+    hotKeys.press(controlA);
+    EXPECT_FALSE(hotKeys.hearsRawKeys());
+}
+
+TEST_F(KeyboardShortcutsTest, ARefusedShortcutThatWasReplacedIsNotTakenLater) {
+    hotKeys.takenByOthers.insert(shiftCommandSpace);
+    shortcuts.define(toggleWith);
+    shortcuts.onKeyDown(toggleWith, writes("toggled"));
+    shortcuts.setShortcut(controlAShortcut, toggleWith);
+    hotKeys.takenByOthers.clear();
+    EXPECT_FALSE(hotKeys.press(shiftCommandSpace));
+    EXPECT_EQ(held(), std::vector{controlA});
+    EXPECT_EQ(journal, Journal{});
+}
+
+TEST_F(KeyboardShortcutsTest, AFreedShortcutIsTakenWhilePausedButNoHandlerIsCalled) {
+    hotKeys.takenByOthers.insert(shiftCommandSpace);
+    shortcuts.define(toggleWith);
+    shortcuts.onKeyDown(toggleWith, writes("toggled"));
+    hotKeys.takenByOthers.clear();
+    shortcuts.isPaused = true;
+    hotKeys.press(shiftCommandSpace);
+    EXPECT_EQ(held(), std::vector{shiftCommandSpace});
+    EXPECT_EQ(journal, Journal{});
+}
+
+TEST_F(KeyboardShortcutsTest, TheHandlerOfAFreedShortcutMayReplaceIt) {
+    hotKeys.takenByOthers.insert(shiftCommandSpace);
+    shortcuts.define(toggleWith);
+    shortcuts.onKeyDown(toggleWith, [&] { shortcuts.setShortcut(controlAShortcut, toggleWith); });
+    shortcuts.onKeyUp(toggleWith, writes("up"));
+    hotKeys.takenByOthers.clear();
+    hotKeys.press(shiftCommandSpace);
+    EXPECT_EQ(held(), std::vector{controlA});
+    EXPECT_EQ(journal, Journal{});
+}
+
+// A menu that keeps hot keys from firing ------------------------------------------------------------------------------
+
+TEST_F(KeyboardShortcutsTest, WithAMenuOpenAPressIsServedAndDoesNotReachTheMenu) {
+    shortcuts.define(toggleWith);
+    shortcuts.onKeyDown(toggleWith, writes("toggled"));
+    shortcuts.onKeyUp(toggleWith, writes("up"));
+    hotKeys.openMenu();
+    EXPECT_TRUE(shortcuts.isMenuOpen());
+    EXPECT_TRUE(held().empty());
+    EXPECT_TRUE(hotKeys.press(shiftCommandSpace));
+    EXPECT_EQ(journal, (Journal{"toggled", "up"}));
+}
+
+TEST_F(KeyboardShortcutsTest, WithAMenuOpenAnotherKeyPassesOn) {
+    shortcuts.define(toggleWith);
+    shortcuts.onKeyDown(toggleWith, writes("toggled"));
+    hotKeys.openMenu();
+    for (const Chord& other : {Chord{49, 0}, Chord{49, 0x100}, Chord{49, 0x1b00}, Chord{125, 0}})
+        EXPECT_FALSE(hotKeys.press(other));
+    EXPECT_EQ(journal, Journal{});
+}
+
+TEST_F(KeyboardShortcutsTest, WithAMenuOpenOnlyTheFourModifiersCount) {
+    shortcuts.define(toggleWith);
+    shortcuts.onKeyDown(toggleWith, writes("toggled"));
+    hotKeys.openMenu();
+    constexpr std::uint32_t capsLock = 0x400, rightShift = 0x2000;
+    EXPECT_TRUE(hotKeys.press({49, 0x300 | capsLock | rightShift}));
+    EXPECT_EQ(journal, Journal{"toggled"});
+}
+
+TEST_F(KeyboardShortcutsTest, AfterTheMenuTheHotKeysAreBackWithTheirOldIds) {
+    shortcuts.define(toggleWith);
+    shortcuts.setShortcut(controlAShortcut, plainName);
+    shortcuts.onKeyDown(toggleWith, writes("toggled"));
+    const auto before = hotKeys.registered();
+    hotKeys.openMenu();
+    hotKeys.closeMenu();
+    EXPECT_FALSE(shortcuts.isMenuOpen());
+    EXPECT_EQ(hotKeys.registered(), before);
+    EXPECT_FALSE(hotKeys.hearsRawKeys());
+    EXPECT_TRUE(hotKeys.press(shiftCommandSpace));
+    EXPECT_EQ(journal, Journal{"toggled"});
+}
+
+TEST_F(KeyboardShortcutsTest, WhilePausedAPressInAMenuIsKeptFromItAndNoHandlerIsCalled) {
+    shortcuts.define(toggleWith);
+    shortcuts.onKeyDown(toggleWith, writes("toggled"));
+    shortcuts.isPaused = true;
+    hotKeys.openMenu();
+    EXPECT_TRUE(hotKeys.press(shiftCommandSpace));
+    EXPECT_EQ(journal, Journal{});
+}
+
+TEST_F(KeyboardShortcutsTest, WhileDisabledAMenuGetsItsKeys) {
+    shortcuts.define(toggleWith);
+    shortcuts.onKeyDown(toggleWith, writes("toggled"));
+    hotKeys.openMenu();
+    shortcuts.setEnabled(false);
+    EXPECT_FALSE(hotKeys.press(shiftCommandSpace));
+    shortcuts.setEnabled(true);  // the menu is still open
+    EXPECT_TRUE(held().empty());
+    EXPECT_TRUE(hotKeys.press(shiftCommandSpace));
+    shortcuts.setEnabled(false);
+    hotKeys.closeMenu();
+    EXPECT_TRUE(held().empty());
+    shortcuts.setEnabled(true);
+    EXPECT_TRUE(hotKeys.press(shiftCommandSpace));
+    EXPECT_EQ(journal, (Journal{"toggled", "toggled"}));
+}
+
+TEST_F(KeyboardShortcutsTest, TheHandlerOfAPressInAMenuMayReplaceTheShortcut) {
+    shortcuts.define(toggleWith);
+    shortcuts.onKeyDown(toggleWith, [&] {
+        journal.push_back("replacing");
+        shortcuts.setShortcut(controlAShortcut, toggleWith);
+    });
+    hotKeys.openMenu();
+    EXPECT_TRUE(hotKeys.press(shiftCommandSpace));
+    hotKeys.closeMenu();
+    EXPECT_EQ(journal, Journal{"replacing"});
+    EXPECT_EQ(held(), std::vector{controlA});
+}
+
+TEST_F(KeyboardShortcutsTest, MenusThatNestOpenAndCloseOnce) {
+    shortcuts.define(toggleWith);
+    shortcuts.define(plainName);  // observes once all the same
+    hotKeys.openMenu();
+    hotKeys.openMenu();
+    hotKeys.closeMenu();
+    EXPECT_FALSE(shortcuts.isMenuOpen());
+    EXPECT_EQ(heldIds(), std::vector{1u});
+}
+
+// What the desktop itself has taken -----------------------------------------------------------------------------------
+
+TEST_F(KeyboardShortcutsTest, ADesktopThatSaysNothingReservesNothing) {
+    EXPECT_EQ(shortcuts.systemReservedShortcuts(), std::vector<Shortcut>{});
+}
+
+TEST_F(KeyboardShortcutsTest, ReservedAreThoseThatAreEnabledAndWhollyTold) {
+    hotKeys.desktopHotKeys = {{true, 49, 0x100},           {false, 48, 0x100},       {std::nullopt, 48, 0x100},
+                              {true, std::nullopt, 0x100}, {true, 48, std::nullopt}, {true, 122, 0}};
+    EXPECT_EQ(shortcuts.systemReservedShortcuts(), (std::vector<Shortcut>{{49, 0x100}, {122, 0}}));
+}
+
+TEST_F(KeyboardShortcutsTest, OfTheModifiersOfReservedShortcutsTheFourSurvive) {
+    hotKeys.desktopHotKeys = {{true, 49, 0xffffffff}};
+    EXPECT_EQ(shortcuts.systemReservedShortcuts(), (std::vector<Shortcut>{{49, 0x1b00}}));
 }
 
 TEST_F(KeyboardShortcutsTest, APressIsDispatchedByWhatTheStoreSaysAtThatMoment) {

@@ -7,7 +7,9 @@
 
 #include "linux/x11/EvdevKeyCodes.h"
 #include "linux/x11/X11KeyState.h"
+#include "linux/x11/XInputKeyboards.h"
 #include "linux/x11/XcbXkb.h"
+#include "platform/Modifiers.h"
 
 namespace tarvix {
 
@@ -19,8 +21,11 @@ Outcome<std::unique_ptr<X11HotKeys>> X11HotKeys::open(X11Connection& connection)
 }
 
 X11HotKeys::X11HotKeys(X11Connection& connection, bool hasXInput)
-    : x_(connection), hasXInput_(hasXInput), modifiers_(X11Modifiers::read(connection)) {
+    : x_(connection), hasXInput_(hasXInput), modifiers_(X11Modifiers::read(connection)), rawKeys_(connection) {
     if (hasXInput_) {
+        asking_ = xcb_generate_id(x_.get());
+        xcb_create_window(x_.get(), 0, asking_, x_.root(), -1, -1, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY,
+                          XCB_COPY_FROM_PARENT, 0, nullptr);
         deviceChanges_ = x_.selectXInputOnRoot(XCB_INPUT_DEVICE_ALL, XCB_INPUT_XI_EVENT_MASK_HIERARCHY);
         keyboards_ = readKeyboards(x_);
     }
@@ -35,20 +40,26 @@ X11HotKeys::X11HotKeys(X11Connection& connection, bool hasXInput)
 
 X11HotKeys::~X11HotKeys() {
     for (const auto& entry : hotKeys_) ungrab(entry.second);
+    if (asking_ != XCB_WINDOW_NONE) xcb_destroy_window(x_.get(), asking_);
     x_.flush();
 }
 
 bool X11HotKeys::registerHotKey(std::uint32_t id, std::uint32_t keyCode, std::uint32_t modifiers) {
     const auto keycode = x11OfKeyCode(keyCode);
     if (!keycode || hotKeys_.contains(id)) return false;
-    const HotKey hotKey{*keycode, modifiers};
-    if (std::ranges::any_of(hotKeys_, [&](const auto& entry) { return entry.second == hotKey; })) return false;
+    HotKey hotKey{*keycode, modifiers};
+    if (std::ranges::any_of(hotKeys_, [&](const auto& entry) { return entry.second.isSameKey(hotKey); })) return false;
     if (!grab(hotKey)) {
         ungrab(hotKey);
         x_.flush();
         return false;
     }
+    hotKey.since = xcb_no_operation(x_.get()).sequence;
     hotKeys_.emplace(id, hotKey);
+    listenForRawKeys();
+    // A key that is down already only repeats, and not all of its repeats are told as such.
+    if (hasXInput_ && !held_ && keysDownOn(x_, keyboards_.all())[*keycode]) held_ = Held{*keycode, std::nullopt};
+    x_.flush();
     return true;
 }
 
@@ -56,17 +67,46 @@ void X11HotKeys::unregisterHotKey(std::uint32_t id) {
     const auto found = hotKeys_.find(id);
     if (found == hotKeys_.end()) return;
     ungrab(found->second);
-    x_.flush();
     hotKeys_.erase(found);
-    if (pressed_ == id) pressed_.reset();
+    listenForRawKeys();
+    x_.flush();
+    if (held_ && held_->id == id) held_->id.reset();
 }
 
 Subscription X11HotKeys::onHotKey(std::function<void(HotKeyEvent, std::uint32_t)> seen) {
     return listeners_.add(std::move(seen));
 }
 
+Subscription X11HotKeys::onMenuTracking(std::function<void(MenuTracking)> seen) {
+    return menuTracking_.add(std::move(seen));
+}
+
+Subscription X11HotKeys::onRawKey(std::function<Verdict(const RawKeyEvent&)> seen) {
+    rawKey_ = std::make_shared<std::function<Verdict(const RawKeyEvent&)>>(std::move(seen));
+    listenForRawKeys();
+    x_.flush();
+    return Subscription([this, mine = std::weak_ptr(rawKey_)] {
+        if (mine.lock() != rawKey_) return;
+        rawKey_.reset();
+        listenForRawKeys();
+        x_.flush();
+    });
+}
+
+std::optional<std::vector<SymbolicHotKey>> X11HotKeys::symbolicHotKeys() { return std::nullopt; }
+
+void X11HotKeys::listenForRawKeys() {
+    rawKeys_.listen(hasXInput_ && (!hotKeys_.empty() || rawKey_ != nullptr || inMenu_));
+}
+
 Handled X11HotKeys::handle(const xcb_generic_event_t& event) {
-    if (const auto key = keyEventOf(x_, event)) return handleKey(*key);
+    if (const auto key = keyEventOf(x_, event)) {
+        rawKeys_.forget();  // it comes by a grab of ours
+        return handleKey(*key);
+    }
+    if (const auto raw = rawKeys_.read(event, modifiers_)) handleRaw(*raw);
+    if ((event.response_type & 0x7f) == XCB_CLIENT_MESSAGE)
+        handleAnswer(reinterpret_cast<const xcb_client_message_event_t&>(event));
     if ((event.response_type & 0x7f) == XCB_MAPPING_NOTIFY) mappingChanged();
     if (const auto* generic = asXInput(x_, event, {XCB_INPUT_HIERARCHY})) {
         // Grabs attach and detach devices all the time; only what comes and goes for good matters.
@@ -78,30 +118,96 @@ Handled X11HotKeys::handle(const xcb_generic_event_t& event) {
     return Handled::no;
 }
 
-Handled X11HotKeys::handleKey(const X11KeyEvent& key) {
-    if (!key.isPress) {
-        if (!pressed_ || hotKeys_.at(*pressed_).keycode != key.keycode) return Handled::no;
-        const std::uint32_t id = *std::exchange(pressed_, std::nullopt);
-        // Modifiers that went up before the key did so while the keyboard was grabbed.
-        if (hasXInput_) releaseStuckKeys(x_);
-        listeners_(HotKeyEvent::released, id);
-        return Handled::yes;
+Handled X11HotKeys::handleKey(const X11KeyEvent& key) { return key.isPress ? handlePress(key) : handleRelease(key); }
+
+Handled X11HotKeys::handleRelease(const X11KeyEvent& key) {
+    if (!held_ || held_->keycode != key.keycode) return Handled::no;
+    const auto id = std::exchange(held_, std::nullopt)->id;
+    // Modifiers that went up before the key did so while the keyboard was grabbed.
+    if (hasXInput_) releaseStuckKeys(x_);
+    if (id) listeners_(HotKeyEvent::released, *id);
+    return Handled::yes;
+}
+
+Handled X11HotKeys::handlePress(const X11KeyEvent& key) {
+    const auto id = idOf(key.keycode, key.modifiers());
+    if (!id) return Handled::no;
+    if (asked_ && asked_->keycode == key.keycode) asked_.reset();
+    if (held_ && held_->keycode == key.keycode) return Handled::yes;
+    const bool isServed = served_ && served_->keycode == key.keycode && served_->time == key.time;
+    const bool fires = !key.isRepeat && !isServed;
+    held_ = Held{key.keycode, fires ? id : std::nullopt};
+    if (fires) listeners_(HotKeyEvent::pressed, *id);
+    return Handled::yes;
+}
+
+std::optional<std::uint32_t> X11HotKeys::idOf(std::uint8_t keycode, std::uint8_t modifiers) const {
+    const std::uint8_t down = modifiers & static_cast<std::uint8_t>(~modifiers_.locks());
+    for (const auto& [id, hotKey] : hotKeys_)
+        if (hotKey.keycode == keycode && maskOf(hotKey) == down) return id;
+    return std::nullopt;
+}
+
+void X11HotKeys::handleRaw(const X11RawKey& key) {
+    const Press press{key.keycode, key.modifiers, key.time};
+    if (key.isPress) {
+        served_.reset();
+        const auto id = idOf(key.keycode, key.modifiers);
+        const bool isOld = id && static_cast<std::int32_t>(key.sequence - hotKeys_.at(*id).since) < 0;
+        if (id && !isOld && !inMenu_) askWhetherItFires(press);
+        tellRaw(HotKeyEvent::pressed, press);
+        return;
     }
-    const std::uint8_t down = key.modifiers() & static_cast<std::uint8_t>(~modifiers_.locks());
-    for (const auto& [id, hotKey] : hotKeys_) {
-        if (hotKey.keycode != key.keycode || maskOf(hotKey) != down) continue;
-        if (!key.isRepeat && pressed_ != id) {
-            pressed_ = id;
-            listeners_(HotKeyEvent::pressed, id);
-        }
-        return Handled::yes;
-    }
-    return Handled::no;
+    tellRaw(HotKeyEvent::released, press);
+    if (held_ && held_->keycode == key.keycode && !held_->id) held_.reset();
+    if (inMenu_ && inMenu_->keycode == key.keycode) endMenu();
+}
+
+void X11HotKeys::askWhetherItFires(const Press& press) {
+    asked_ = press;
+    xcb_client_message_event_t message = {};
+    message.response_type = XCB_CLIENT_MESSAGE;
+    message.format = 32;
+    message.window = asking_;
+    message.type = XCB_ATOM_CARDINAL;
+    message.data.data32[0] = press.time;
+    // Without a mask it goes to the window's creator.
+    xcb_send_event(x_.get(), 0, asking_, XCB_EVENT_MASK_NO_EVENT, reinterpret_cast<const char*>(&message));
+}
+
+void X11HotKeys::handleAnswer(const xcb_client_message_event_t& message) {
+    if (message.window != asking_ || !asked_ || message.data.data32[0] != asked_->time) return;
+    servePressInMenu(*std::exchange(asked_, std::nullopt));
+}
+
+void X11HotKeys::servePressInMenu(const Press& press) {
+    served_ = inMenu_ = press;
+    menuTracking_(MenuTracking::began);
+    tellRaw(HotKeyEvent::pressed, press);
+    if (rawKeys_.isDown(press.keycode)) return;
+    tellRaw(HotKeyEvent::released, press);
+    endMenu();
+}
+
+void X11HotKeys::endMenu() {
+    inMenu_.reset();
+    menuTracking_(MenuTracking::ended);
+    listenForRawKeys();
+}
+
+void X11HotKeys::tellRaw(HotKeyEvent event, const Press& press) {
+    const auto listener = rawKey_;  // it may end its own subscription
+    const auto keyCode = keyCodeOfX11(press.keycode);
+    if (!listener || !keyCode) return;
+    (*listener)({event, *keyCode, ModifierTransformer::carbonFlags(modifiers_.eventFlags(press.modifiers))});
 }
 
 void X11HotKeys::keyboardsChanged() {
     const auto before = keyboards_.all();
     keyboards_ = readKeyboards(x_);
+    rawKeys_.forget();
+    // A keyboard that has gone releases nothing.
+    if (inMenu_ && !keysDownOn(x_, keyboards_.all())[inMenu_->keycode]) endMenu();
     for (const std::uint16_t device : keyboards_.all())
         if (std::ranges::count(before, device) == 0)
             for (const auto& entry : hotKeys_) grabOn(device, entry.second);
