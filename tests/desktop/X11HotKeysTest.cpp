@@ -1,3 +1,4 @@
+#include "KeyboardShortcuts/CarbonKeyboardShortcuts.h"
 #include "linux/x11/X11HotKeys.h"
 #include "tests/desktop/X11Desk.h"
 
@@ -33,7 +34,37 @@ protected:
     }
     Lines takeSeen() {
         settle();
+        settle();  // what the first one asked the server has been answered
         return std::exchange(seen, {});
+    }
+    // What a program that has a keyboard for itself does.
+    static bool grabKeyboards(X11Connection& other, const std::vector<std::uint16_t>& devices) {
+        const std::uint32_t keys = XCB_INPUT_XI_EVENT_MASK_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_KEY_RELEASE;
+        return std::ranges::all_of(devices, [&](std::uint16_t device) {
+            const auto grabbed = other.reply<xcb_input_xi_grab_device_reply>(xcb_input_xi_grab_device(
+                other.get(), other.root(), XCB_CURRENT_TIME, XCB_NONE, device, XCB_INPUT_GRAB_MODE_22_ASYNC,
+                XCB_INPUT_GRAB_MODE_22_ASYNC, XCB_INPUT_GRAB_OWNER_NO_OWNER, 1, &keys));
+            return grabbed && grabbed->status == XCB_GRAB_STATUS_SUCCESS;
+        });
+    }
+    static void ungrabKeyboards(X11Connection& other, const std::vector<std::uint16_t>& devices) {
+        for (const std::uint16_t device : devices) xcb_input_xi_ungrab_device(other.get(), XCB_CURRENT_TIME, device);
+        other.sync();
+    }
+    static std::unique_ptr<X11Connection> otherProgram() {
+        auto other = std::move(X11Connection::open().value());
+        EXPECT_TRUE(startXInput(*other));
+        return other;
+    }
+    // Menus and raw keys are told among what is seen.
+    void seeMenusAndRawKeys() {
+        menus_ = hotKeys->onMenuTracking(
+            [this](MenuTracking now) { seen.push_back(now == MenuTracking::began ? "menu began" : "menu ended"); });
+        rawKeys_ = hotKeys->onRawKey([this](const RawKeyEvent& key) {
+            seen.push_back((key.event == HotKeyEvent::pressed ? "raw pressed " : "raw released ") +
+                           std::to_string(key.keyCode) + " with " + std::to_string(key.modifiers));
+            return Verdict::pass;
+        });
     }
     static bool hasKey(const Lines& log, std::uint8_t keycode) {
         const std::string number = " " + std::to_string(keycode);
@@ -47,7 +78,7 @@ protected:
     Lines seen;
 
 private:
-    Subscription listening_;
+    Subscription listening_, menus_, rawKeys_;
 };
 
 TEST_F(X11HotKeysOnDesktop, FiresForKeysOfTheHardwareAndTheApplicationDoesNotGetTheKey) {
@@ -157,6 +188,7 @@ TEST_F(X11HotKeysOnDesktop, OneKeyboardHeldByAnotherProgramIsEnoughToRefuse) {
 
 TEST_F(X11HotKeysOnDesktop, UnregisteredItGoesToTheApplicationAgain) {
     hotKeys->unregisterHotKey(kId);
+    settle();
     press();
     release();
     EXPECT_EQ(takeSeen(), Lines{});
@@ -199,6 +231,204 @@ TEST_F(X11HotKeysOnDesktop, KeysTypedRightAfterItAreThePanels) {
     EXPECT_EQ(takePanelKeys(), (Lines{"key down 38", "key up 38"}));
     EXPECT_EQ(takeSeen(), once);
     EXPECT_FALSE(hasKey(application.takeLog(), key::a));
+}
+
+// Presses that are kept from a hot key --------------------------------------------------------------------------------
+
+TEST_F(X11HotKeysOnDesktop, WhereItFiresNoMenuIsTold) {
+    seeMenusAndRawKeys();
+    press();
+    release();
+    pressPosted();
+    releasePosted();
+    ASSERT_TRUE(application.grabKeyboard());
+    press();
+    release();
+    application.ungrabKeyboard();
+    const auto other = otherProgram();
+    ASSERT_TRUE(grabKeyboards(*other, {readKeyboards(*other).master}));
+    press();
+    release();
+    Lines told = takeSeen();
+    std::erase_if(told, [](const std::string& line) { return line.starts_with("raw"); });
+    EXPECT_EQ(told, (Lines{"pressed 7", "released 7", "pressed 7", "released 7", "pressed 7", "released 7", "pressed 7",
+                           "released 7"}));
+}
+
+TEST_F(X11HotKeysOnDesktop, APressOnAKeyboardThatAnotherProgramHoldsIsServedInAMenu) {
+    seeMenusAndRawKeys();
+    const auto other = otherProgram();
+    ASSERT_TRUE(grabKeyboards(*other, {hardware.keyboard()}));
+    press();
+    settle();
+    release();
+    EXPECT_EQ(takeSeen(), (Lines{"raw pressed 49 with 768", "menu began", "raw pressed 49 with 768",
+                                 "raw released 49 with 768", "menu ended"}));
+    ungrabKeyboards(*other, {hardware.keyboard()});
+    press();
+    release();
+    EXPECT_EQ(takeSeen(), (Lines{"raw pressed 49 with 768", "pressed 7", "released 7"}));
+}
+
+TEST_F(X11HotKeysOnDesktop, APressAndItsReleaseInOneGoAreServedInAMenu) {
+    seeMenusAndRawKeys();
+    const auto other = otherProgram();
+    const auto keyboards = readKeyboards(*other).all();
+    ASSERT_TRUE(grabKeyboards(*other, keyboards));
+    pressPosted();
+    releasePosted();
+    const Lines told = takeSeen();
+    // The release has been told as the raw key that it is, and once more as the menu's.
+    EXPECT_EQ(told, (Lines{"raw pressed 49 with 768", "raw released 49 with 768", "menu began",
+                           "raw pressed 49 with 768", "raw released 49 with 768", "menu ended"}));
+    ungrabKeyboards(*other, keyboards);
+}
+
+TEST_F(X11HotKeysOnDesktop, APressOfOtherModifiersIsNobodysInAMenuEither) {
+    seeMenusAndRawKeys();
+    const auto other = otherProgram();
+    ASSERT_TRUE(grabKeyboards(*other, {hardware.keyboard()}));
+    hardware.keyDown(key::control);
+    press();
+    release();
+    hardware.keyUp(key::control);
+    hardware.tap(key::space);
+    ungrabKeyboards(*other, {hardware.keyboard()});
+    EXPECT_EQ(takeSeen(), (Lines{"raw pressed 49 with 4864", "raw released 49 with 4864", "raw pressed 49 with 0",
+                                 "raw released 49 with 0"}));
+}
+
+TEST_F(X11HotKeysOnDesktop, APressOnAKeyboardThatIsHeldBackIsServedOnce) {
+    seeMenusAndRawKeys();
+    const auto other = otherProgram();
+    // As a window manager does while it makes up its mind about a click.
+    const auto grabbed = other->reply<xcb_grab_pointer_reply>(
+        xcb_grab_pointer(other->get(), 0, other->root(), XCB_EVENT_MASK_BUTTON_PRESS, XCB_GRAB_MODE_ASYNC,
+                         XCB_GRAB_MODE_SYNC, XCB_NONE, XCB_NONE, XCB_CURRENT_TIME));
+    ASSERT_TRUE(grabbed && grabbed->status == XCB_GRAB_STATUS_SUCCESS);
+    press();
+    settle();
+    release();
+    EXPECT_EQ(takeSeen(), (Lines{"raw pressed 49 with 768", "menu began", "raw pressed 49 with 768",
+                                 "raw released 49 with 768", "menu ended"}));
+    xcb_allow_events(other->get(), XCB_ALLOW_ASYNC_KEYBOARD, XCB_CURRENT_TIME);
+    xcb_ungrab_pointer(other->get(), XCB_CURRENT_TIME);
+    other->sync();
+    EXPECT_EQ(takeSeen(), Lines{});
+    press();
+    release();
+    EXPECT_EQ(takeSeen(), (Lines{"raw pressed 49 with 768", "pressed 7", "released 7"}));
+}
+
+TEST_F(X11HotKeysOnDesktop, AKeyThatIsDownAlreadyIsNoPress) {
+    hotKeys->unregisterHotKey(kId);
+    press();
+    ASSERT_TRUE(hotKeys->registerHotKey(kId, kSpace, kShiftCommand));
+    EXPECT_TRUE(loop.runUntil([&] { return repeats >= 3; }));
+    release();
+    EXPECT_EQ(takeSeen(), Lines{});
+    press();
+    release();
+    EXPECT_EQ(takeSeen(), once);
+    hotKeys->unregisterHotKey(kId);
+    press();
+    ASSERT_TRUE(hotKeys->registerHotKey(kId, kSpace, kShiftCommand));
+    release();
+    press();
+    release();
+    EXPECT_EQ(takeSeen(), once);
+}
+
+// The shortcuts on top ------------------------------------------------------------------------------------------------
+
+class X11ShortcutsOnDesktop : public X11HotKeysOnDesktop {
+protected:
+    void SetUp() override {
+        X11HotKeysOnDesktop::SetUp();
+        hotKeys->unregisterHotKey(kId);
+        menus_ = hotKeys->onMenuTracking([this](MenuTracking now) {
+            using Path = CarbonKeyboardShortcuts::Path;
+            shortcuts->setPath(now == MenuTracking::began ? Path::rawKeys : Path::hotKeys);
+        });
+    }
+    void TearDown() override {
+        shortcuts.reset();
+        X11HotKeysOnDesktop::TearDown();
+    }
+    void registerShortcut() {
+        shortcuts->registerShortcut(
+            {kSpace, kShiftCommand}, [this](const Shortcut&) { served.push_back("down"); },
+            [this](const Shortcut&) { served.push_back("up"); });
+    }
+    Lines takeServed() {
+        settle();
+        settle();
+        return std::exchange(served, {});
+    }
+
+    std::optional<CarbonKeyboardShortcuts> shortcuts{std::in_place, *hotKeys};
+    const Lines downAndUp{"down", "up"};
+    Lines served;
+
+private:
+    Subscription menus_;
+};
+
+TEST_F(X11ShortcutsOnDesktop, AreServedOnceInAMenuAndAfterIt) {
+    registerShortcut();
+    const auto other = otherProgram();
+    const auto keyboards = readKeyboards(*other).all();
+    ASSERT_TRUE(grabKeyboards(*other, keyboards));
+    press();
+    settle();
+    release();
+    EXPECT_EQ(takeServed(), downAndUp);
+    pressPosted();
+    releasePosted();
+    EXPECT_EQ(takeServed(), downAndUp);
+    ungrabKeyboards(*other, keyboards);
+    press();
+    release();
+    EXPECT_EQ(takeServed(), downAndUp);
+}
+
+TEST_F(X11ShortcutsOnDesktop, WhatAnotherProgramHeldIsServedFromTheFirstPressAfterItLetGo) {
+    auto other = std::move(X11Connection::open().value());
+    ASSERT_EQ(other->errorOf(xcb_grab_key_checked(other->get(), 0, other->root(), mask::shift | mask::super, key::space,
+                                                  XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC)),
+              0);
+    registerShortcut();
+    press();
+    release();
+    EXPECT_EQ(takeServed(), Lines{});
+    xcb_ungrab_key(other->get(), key::space, other->root(), mask::shift | mask::super);
+    other->sync();
+    press();
+    settle();
+    release();
+    EXPECT_EQ(takeServed(), downAndUp);
+    application.takeLog();
+    press();
+    release();
+    EXPECT_EQ(takeServed(), downAndUp);
+    EXPECT_FALSE(hasKey(application.takeLog(), key::space));
+}
+
+TEST_F(X11ShortcutsOnDesktop, WhatAnEndedProgramHeldIsServedOnceHoweverLongTheKeyIsDown) {
+    auto other = std::move(X11Connection::open().value());
+    ASSERT_EQ(other->errorOf(xcb_grab_key_checked(other->get(), 0, other->root(), mask::shift | mask::super, key::space,
+                                                  XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC)),
+              0);
+    registerShortcut();
+    other.reset();
+    connection->sync();
+    press();
+    EXPECT_TRUE(loop.runUntil([&] { return repeats >= 3; }));
+    for (const std::uint8_t k : {key::super, key::shift, key::space}) hardware.keyUp(k);
+    EXPECT_EQ(takeServed().front(), "down");
+    pressPosted();
+    releasePosted();
+    EXPECT_EQ(takeServed(), downAndUp);
 }
 
 }  // namespace
