@@ -58,7 +58,7 @@ public:
     // Returns when the window can be seen.
     bool show() {
         xcb_map_window(x_->get(), window_);
-        for (int tries = 0; tries < 500; ++tries) {
+        for (int tries = 0; tries < 2000; ++tries) {
             const auto attributes =
                 x_->reply<xcb_get_window_attributes_reply>(xcb_get_window_attributes(x_->get(), window_));
             if (attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE) return true;
@@ -72,7 +72,7 @@ public:
     }
     // Gives the window the keyboard, with a window manager or without.
     bool focus() {
-        for (int tries = 0; tries < 500; ++tries) {
+        for (int tries = 0; tries < 2000; ++tries) {
             xcb_set_input_focus(x_->get(), XCB_INPUT_FOCUS_PARENT, window_, XCB_CURRENT_TIME);
             const auto focus = x_->reply<xcb_get_input_focus_reply>(xcb_get_input_focus(x_->get()));
             const auto active = x_->items(x_->root(), "_NET_ACTIVE_WINDOW");
@@ -136,6 +136,10 @@ private:
                 return line("sent focus in, mode", focus.mode, 0);
             case XCB_FOCUS_OUT | 0x80:
                 return line("sent focus out, mode", focus.mode, 0);
+            case XCB_GE_GENERIC:
+                if (reinterpret_cast<const xcb_ge_generic_event_t&>(event).event_type == XCB_INPUT_MOTION)
+                    log.emplace_back("motion");
+                return;
             default:
                 return;
         }
