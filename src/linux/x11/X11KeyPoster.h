@@ -2,9 +2,11 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <vector>
 
 #include "linux/x11/X11Connection.h"
+#include "linux/x11/X11KeyState.h"
 #include "linux/x11/X11Modifiers.h"
 #include "linux/x11/X11StandIns.h"
 
@@ -18,27 +20,39 @@ public:
     enum class NumLock { asItIs, on };
 
     // Both outlive it. The connection has XInput.
-    X11KeyPoster(X11Connection& connection, X11StandIns& standIns) : x_(connection), standIns_(standIns) {}
+    X11KeyPoster(X11Connection& connection, X11StandIns& standIns);
+    X11KeyPoster(const X11KeyPoster&) = delete;
+    X11KeyPoster& operator=(const X11KeyPoster&) = delete;
 
     void post(std::uint8_t eventType, std::uint8_t keycode, std::uint8_t wanted, NumLock numLock,
               const X11Modifiers& modifiers);
 
 private:
-    // What has been taken away from the applications.
-    struct Lifted {
-        std::vector<std::uint16_t> keyboards;  // grabbed
-        std::uint8_t modifiers = 0;            // of these keyboards
-        std::vector<std::uint8_t> posted;      // the keys of it that a program holds
+    // What the applications are to see going up.
+    struct Unwanted {
+        Keycodes keys;
+        std::vector<std::uint16_t> keyboards;  // on which hands hold them
+        std::vector<std::uint8_t> posted;      // those of the keys that a program holds
+        bool isMenuKey = false;
+    };
+    // The moment in which keyboards were kept away from the applications.
+    struct Window {
+        std::uint32_t first, last;  // sequence numbers
+        std::vector<std::uint16_t> keyboards;
+        Keycodes pressed;
     };
 
-    Lifted lift(std::uint8_t unwanted, const X11Modifiers& modifiers);
-    void grab(Lifted& lifted, const std::vector<std::uint16_t>& keyboards, std::uint8_t unwanted);
-    void putBack(const Lifted& lifted);
+    Unwanted find(std::uint8_t unwanted, const X11Modifiers& modifiers);
+    void lift(const Unwanted& unwanted, const X11Modifiers& modifiers);
+    void putBack(const Unwanted& unwanted);
+    X11Connection::Handled handle(const xcb_generic_event_t& event);
     void tap(std::uint8_t keycode);
     void fake(std::uint8_t eventType, std::uint8_t keycode);
 
     X11Connection& x_;
     X11StandIns& standIns_;
+    std::deque<Window> windows_;
+    Subscription events_;
 };
 
 }  // namespace tarvix

@@ -19,8 +19,6 @@ public:
 
     // Of the modifiers in `mask` those that are held now are set, and no others.
     void standIn(std::uint8_t mask);
-    // Those that are set.
-    std::uint8_t modifiers() const { return modifiers_; }
     // Ends them all.
     void clear();
     // Ends them all, and there are none until resume(). A window manager may hold a click back for a moment, and the
