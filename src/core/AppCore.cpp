@@ -35,6 +35,10 @@ void AppCore::makeServices() {
     keyRouting_ = std::make_unique<KeyRouting>(platform_, *tarvixEngine_, *theInput_, preloading_);
     localMonitorController_ =
         std::make_unique<LocalMonitorController>(platform_.events, *sauce_, *theInput_, *keyRouting_);
+    inspector_ = std::make_unique<Inspector>(platform_, *displayEngine_, *theInput_);
+    sessionEnd_ = tarvixEngine_->onSessionEnded([this] { inspector_->close(); });
+    eventTapController_ =
+        std::make_unique<EventTapController>(platform_, platform_.eventTaps, *tarvixEngine_, *theInput_, *inspector_);
 }
 
 // The handlers go first, so that a second start doesn't leave two of them.

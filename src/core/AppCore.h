@@ -4,11 +4,13 @@
 #include <memory>
 
 #include "KeyboardShortcuts/KeyboardShortcuts.h"
+#include "core/EventTapController.h"
 #include "core/KeyRouting.h"
 #include "core/LocalMonitorController.h"
 #include "core/Preloading.h"
 #include "core/TarvixEngine.h"
 #include "display/DisplayEngine.h"
+#include "display/Inspector.h"
 #include "display/TheInput.h"
 #include "keys/Sauce.h"
 #include "platform/Platform.h"
@@ -46,6 +48,9 @@ private:
     std::unique_ptr<KeyboardShortcuts> keyboardShortcuts_;
     std::unique_ptr<KeyRouting> keyRouting_;
     std::unique_ptr<LocalMonitorController> localMonitorController_;
+    std::unique_ptr<Inspector> inspector_;
+    std::unique_ptr<EventTapController> eventTapController_;
+    Subscription sessionEnd_;
 };
 
 }  // namespace tarvix

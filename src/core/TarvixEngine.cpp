@@ -65,6 +65,7 @@ void TarvixEngine::endSession() {
     displayEngine_.resetCaches();
     allElements_.clear();
     targets_.clear();
+    sessionEnded_();
 }
 
 OrderedSet<AccessibilityElement> TarvixEngine::filteredElements(std::string_view query) {

@@ -2,9 +2,11 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 
+#include "base/Listeners.h"
 #include "base/OrderedSet.h"
 #include "core/Pointer.h"
 #include "core/Target.h"
@@ -32,6 +34,10 @@ public:
     void startSession();
     // Forgets the candidates and the Targets, but not the Primary Target.
     void endSession() override;
+    // A session has ended; also when none had begun.
+    [[nodiscard]] Subscription onSessionEnded(std::function<void()> ended) {
+        return sessionEnded_.add(std::move(ended));
+    }
 
     OrderedSet<AccessibilityElement> filteredElements(std::string_view query) override;
     void removeTargets() override;
@@ -86,6 +92,7 @@ private:
     DisplayEngineProtocol& displayEngine_;
     std::optional<std::int32_t> axFrontmostApplicationPID_;
     Pointer pointer_;
+    Listeners<> sessionEnded_;
 };
 
 }  // namespace tarvix

@@ -5,6 +5,7 @@ namespace tarvix {
 
 class AccessibilityService;
 class Application;
+class EventTaps;
 class Events;
 class HotKeys;
 class InputSources;
@@ -26,6 +27,7 @@ struct Platform {
     WindowServer& windowServer;
     Screens& screens;
     Events& events;
+    EventTaps& eventTaps;
     HotKeys& hotKeys;
     InputSources& inputSources;
     Panels& panels;

@@ -44,6 +44,7 @@ Platform SimulatedDesktop::platform() {
             .windowServer = windowServer,
             .screens = screens,
             .events = events,
+            .eventTaps = eventTaps,
             .hotKeys = hotKeys,
             .inputSources = inputSources,
             .panels = panels,

@@ -611,6 +611,7 @@ TEST(TarvixEngineActions, WhetherThePointerGoesBackIsReadAfterTheClick) {
                             .windowServer = whole.windowServer,
                             .screens = whole.screens,
                             .events = events,
+                            .eventTaps = whole.eventTaps,
                             .hotKeys = whole.hotKeys,
                             .inputSources = whole.inputSources,
                             .panels = whole.panels,
@@ -697,6 +698,23 @@ TEST_F(TarvixEngineTest, TheEndHidesTheCanvasThenFadesTheDimming) {
     engine.endSession();
     EXPECT_THAT(desk.journal(), ElementsAre("canvas hidden", "dimming fades to 0"));
     EXPECT_THAT(canvas().markers(), IsEmpty());
+}
+
+TEST_F(TarvixEngineTest, TheEndIsToldWhenEverythingElseIsOver) {
+    desk.window("Mail");
+    engine.startSession();
+    engine.setAllElements(row(3));
+    int told = 0;
+    {
+        const Subscription end = engine.onSessionEnded([&] {
+            ++told;
+            EXPECT_TRUE(engine.allElements().empty());
+            EXPECT_FALSE(canvas().isVisible());
+        });
+        engine.endSession();
+    }
+    engine.endSession();
+    EXPECT_EQ(told, 1);
 }
 
 }  // namespace

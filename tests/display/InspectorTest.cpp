@@ -208,6 +208,7 @@ public:
     void open() override { visible = true; }
     void close() override { visible = false; }
     bool isVisible() const override { return visible; }
+    Subscription onVisibilityChanged(std::function<void()>) override { return {}; }
     const std::string& value() const override { return text; }
     void setShowPreloading(bool) override {}
 
