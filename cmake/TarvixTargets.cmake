@@ -32,5 +32,6 @@ function(tarvix_tests name)
   add_executable(test_${name} ${sources})
   target_include_directories(test_${name} PRIVATE ${PROJECT_SOURCE_DIR})
   target_link_libraries(test_${name} PRIVATE strict ${ARGN} GTest::gmock_main)
-  gtest_discover_tests(test_${name} TEST_PREFIX "${name}: " DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 60)
+  # The name that a test gives its parameter, not its bytes.
+  gtest_discover_tests(test_${name} TEST_PREFIX "${name}: " NO_PRETTY_VALUES DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 60)
 endfunction()

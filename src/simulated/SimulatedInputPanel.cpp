@@ -34,6 +34,7 @@ void SimulatedInputPanel::setText(const std::string& text) {
 }
 
 void SimulatedInputPanel::handleKey(const KeyEvent& event, const std::string& text) {
+    keys_.push_back(event);
     const bool command = event.flags & eventFlag::command;
     if (event.keyCode == kEscape) {
         cancelled_();

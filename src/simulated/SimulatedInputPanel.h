@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
+#include <vector>
 
 #include "base/Listeners.h"
 #include "platform/Events.h"
@@ -48,6 +50,8 @@ public:
     void takeKeyboardAway();
 
     bool isKey() const { return key_; }
+    // The presses that no monitor has consumed.
+    const std::vector<KeyEvent>& keys() const { return keys_; }
     const std::string& text() const { return text_; }
     bool isTextSelected() const { return selected_; }
     bool showsProgress() const { return showsProgress_; }
@@ -64,6 +68,7 @@ private:
     PanelRect frame_{{0, 0}, {0, 36}};
     bool visible_ = false;
     bool key_ = false;
+    std::vector<KeyEvent> keys_;
     std::string text_;
     bool selected_ = false;
     bool showsProgress_ = false;

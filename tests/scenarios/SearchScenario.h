@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "core/AppCore.h"
+#include "keys/KeyCombinationAdaptor.h"
 #include "simulated/SimulatedDesktop.h"
 
 namespace tarvix {
@@ -20,6 +21,10 @@ protected:
     SearchScenario() { core.start(); }
 
     void press(Key key, std::uint64_t flags = 0) { desk.press(qwertyKeyCode(key), flags); }
+    void press(const KeyCombination& keys) {
+        const KeyEvent event = KeyCombinationAdaptor::toCGEvent(keys, KeyEventType::keyDown, sauce_);
+        desk.press(event.keyCode, event.flags);
+    }
     void pressShortcut() { press(Key::space, eventFlag::shift | eventFlag::command); }
     // Opens The Input and lets the candidates be read.
     void open() {
@@ -59,6 +64,9 @@ protected:
 
     SimulatedDesktop desk;
     AppCore core{desk.platform()};
+
+private:
+    Sauce sauce_{desk.inputSources};
 };
 
 }  // namespace tarvix

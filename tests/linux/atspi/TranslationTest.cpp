@@ -92,7 +92,12 @@ INSTANTIATE_TEST_SUITE_P(
         RoleCase{Role::progressBar, "AXProgressIndicator", "", ax::description},
         RoleCase{Role::statusBar, "AXGroup", "AXApplicationStatus", ax::value},
         RoleCase{Role::toolTip, "AXHelpTag", "", ax::value}, RoleCase{Role::unknown, "AXGroup", "", ax::title},
-        RoleCase{static_cast<Role>(4711), "AXGroup", "", ax::title}));
+        RoleCase{static_cast<Role>(4711), "AXGroup", "", ax::title}),
+    [](const testing::TestParamInfo<RoleCase>& parameter) {
+        const RoleCase& row = parameter.param;
+        return "Number" + std::to_string(static_cast<int>(row.role)) + "Is" + std::string(row.axRole) +
+               std::string(row.subrole);
+    });
 
 TEST(Translation, AToggleIsOffOnOrInBetween) {
     for (const Role role : {Role::checkBox, Role::toggleButton, Role::radioButton, Role::switchButton}) {
