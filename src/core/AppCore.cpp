@@ -14,6 +14,7 @@ void AppCore::start() {
     makeServices();
     bringUpShortcut();
     localMonitorController_->installLocalMonitor();
+    eventTapController_->enable(true);
     platform_.milestones.reached(milestone::ready, 0);
 }
 
@@ -37,8 +38,8 @@ void AppCore::makeServices() {
         std::make_unique<LocalMonitorController>(platform_.events, *sauce_, *theInput_, *keyRouting_);
     inspector_ = std::make_unique<Inspector>(platform_, *displayEngine_, *theInput_);
     sessionEnd_ = tarvixEngine_->onSessionEnded([this] { inspector_->close(); });
-    eventTapController_ =
-        std::make_unique<EventTapController>(platform_, platform_.eventTaps, *tarvixEngine_, *theInput_, *inspector_);
+    eventTapController_ = std::make_unique<EventTapController>(
+        platform_.eventTaps, platform_.runLoop, platform_.userDefaults, *tarvixEngine_, *theInput_, *inspector_);
 }
 
 // The handlers go first, so that a second start doesn't leave two of them.

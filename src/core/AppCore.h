@@ -25,13 +25,15 @@ public:
     AppCore(const AppCore&) = delete;
     AppCore& operator=(const AppCore&) = delete;
 
-    // Makes what isn't there yet and brings the shortcut and the key monitor to life. May run many times.
+    // Makes what isn't there yet and brings the shortcut, the key monitor and the event tap to life. May run many
+    // times.
     void start();
 
     // Once start() has run.
     TarvixEngine& tarvixEngine() { return *tarvixEngine_; }
     TheInput& theInput() { return *theInput_; }
     LocalMonitorController& localMonitorController() { return *localMonitorController_; }
+    EventTapController& eventTapController() { return *eventTapController_; }
     KeyboardShortcuts& keyboardShortcuts() { return *keyboardShortcuts_; }
 
 private:

@@ -4,8 +4,6 @@
 #include <cstdlib>
 #include <utility>
 
-#include "platform/RunLoop.h"
-
 namespace tarvix {
 
 namespace {
@@ -18,18 +16,18 @@ std::unique_ptr<EventTap> require(std::unique_ptr<EventTap> tap) {
 
 }  // namespace
 
-EventTapController::EventTapController(const Platform& platform, EventTaps& eventTaps,
+EventTapController::EventTapController(EventTaps& eventTaps, RunLoop& runLoop, UserDefaults& userDefaults,
                                        const TarvixEngineProtocol& engine, TheInputProtocol& theInput,
                                        InspectorProtocol& inspector)
-    : runLoop_(platform.runLoop),
+    : runLoop_(runLoop),
       engine_(engine),
       theInput_(theInput),
       inspector_(inspector),
-      preventScrollingWhenTarvixing_(platform.userDefaults, "preventScrollingWhenTarvixing", false),
+      preventScrollingWhenTarvixing_(userDefaults, "preventScrollingWhenTarvixing", false),
       tap_(require(eventTaps.createEventTap([this](TapEventType type) { return seen(type); }))) {
     tap_->setInterest(interest());
     visibility_ = theInput.onVisibilityChanged([this] { tap_->setInterest(interest()); });
-    settings_ = platform.userDefaults.onChange([this](std::string_view) { tap_->setInterest(interest()); });
+    settings_ = userDefaults.onChange([this](std::string_view) { tap_->setInterest(interest()); });
 }
 
 TapInterest EventTapController::interest() const {

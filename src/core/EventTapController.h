@@ -7,7 +7,7 @@
 #include "display/InspectorProtocol.h"
 #include "display/TheInputProtocol.h"
 #include "platform/Events.h"
-#include "platform/Platform.h"
+#include "platform/RunLoop.h"
 #include "shell/Setting.h"
 
 namespace tarvix {
@@ -17,8 +17,8 @@ namespace tarvix {
 class EventTapController {
 public:
     // Makes the tap; a desktop that can't have one ends the process.
-    EventTapController(const Platform& platform, EventTaps& eventTaps, const TarvixEngineProtocol& engine,
-                       TheInputProtocol& theInput, InspectorProtocol& inspector);
+    EventTapController(EventTaps& eventTaps, RunLoop& runLoop, UserDefaults& userDefaults,
+                       const TarvixEngineProtocol& engine, TheInputProtocol& theInput, InspectorProtocol& inspector);
     EventTapController(const EventTapController&) = delete;
     EventTapController& operator=(const EventTapController&) = delete;
 

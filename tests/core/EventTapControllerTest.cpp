@@ -68,7 +68,7 @@ protected:
     TarvixEngine engine{desk.platform(), std::make_shared<SearchEngine>(desk.platform()), displayEngine};
     TheInput theInput{desk.platform(), displayEngine, engine, sauce};
     Preloading preloading{desk.runLoop, desk.milestones};
-    EventTapController controller{desk.platform(), desk.eventTaps, engine, theInput, inspector};
+    EventTapController controller{desk.eventTaps, desk.runLoop, desk.userDefaults, engine, theInput, inspector};
 };
 
 // --- The interest
@@ -198,7 +198,7 @@ TEST_F(EventTapControllerTest, MovesWithTheInputHiddenDoNothing) {
 // The desktop may tell a move or a step of the wheel that was under way when the interest ended.
 TEST_F(EventTapControllerTest, AnEventThatComesTooLatePassesAndDoesNothing) {
     LateTaps taps;
-    const EventTapController late(desk.platform(), taps, engine, theInput, inspector);
+    const EventTapController late(taps, desk.runLoop, desk.userDefaults, engine, theInput, inspector);
     open();
     theInput.close();
     AccessibilityElement underMouse;
@@ -239,7 +239,10 @@ TEST(EventTap, EndsWithTheController) {
     TarvixEngine engine(desk.platform(), std::make_shared<SearchEngine>(desk.platform()), displayEngine);
     TheInput theInput(desk.platform(), displayEngine, engine, sauce);
     RecordingInspector inspector;
-    { const EventTapController controller(desk.platform(), desk.eventTaps, engine, theInput, inspector); }
+    {
+        const EventTapController controller(desk.eventTaps, desk.runLoop, desk.userDefaults, engine, theInput,
+                                            inspector);
+    }
     EXPECT_FALSE(desk.eventTaps.isTapped());
     theInput.openInPlace("text");
     EXPECT_TRUE(desk.scroll());
@@ -253,7 +256,7 @@ TEST(EventTapDeathTest, ADesktopWithoutATapEndsTheProcess) {
     TheInput theInput(desk.platform(), displayEngine, engine, sauce);
     RecordingInspector inspector;
     desk.faults.fail("createEventTap");
-    EXPECT_DEATH(EventTapController(desk.platform(), desk.eventTaps, engine, theInput, inspector),
+    EXPECT_DEATH(EventTapController(desk.eventTaps, desk.runLoop, desk.userDefaults, engine, theInput, inspector),
                  "big issue: can't create event tap");
 }
 

@@ -1,6 +1,8 @@
 // How sessions begin and end, and what stands between them.
 #include <gmock/gmock.h>
 
+#include <functional>
+
 #include "tests/scenarios/SearchScenario.h"
 
 namespace tarvix {
@@ -157,6 +159,41 @@ TEST_F(Session, LosingTheKeyboardClosesAndDoesNotStopTheReading) {
     EXPECT_EQ(engine().allElements().size(), 2u);
 }
 
+TEST_F(Session, ScrollingClosesAndDoesNotStopTheReading) {
+    pressShortcut();
+    EXPECT_TRUE(desk.scroll());
+    EXPECT_EQ(seen(), (Texts{"The Input shown", "The Input hidden"}));
+    desk.settle();
+    EXPECT_EQ(engine().allElements().size(), 2u);
+}
+
+TEST_F(Session, ScrollingIsFrozenIfTheUserWantsItSoFromTheBeginningToTheEndOfTheSession) {
+    desk.userDefaults.set("preventScrollingWhenTarvixing", true);
+    EXPECT_TRUE(desk.scroll());
+    search("send");
+    EXPECT_FALSE(desk.scroll());
+    EXPECT_THAT(targets(), ElementsAre("Send"));
+    press(Key::escape);
+    EXPECT_TRUE(desk.scroll());
+    EXPECT_EQ(seen(), (Texts{"The Input shown", "The Input hidden"}));
+}
+
+// What each of these leaves behind would be felt in every application.
+TEST_F(Session, EveryEndLeavesTheDesktopsWheelAndPointerAlone) {
+    const std::vector<std::function<void()>> ends = {
+        [&] { pressShortcut(); },       [&] { press(Key::escape); },
+        [&] { press(Key::return_); },   [&] { press({Key::comma, {.command = true}}); },
+        [&] { desk.clickElsewhere(); }, [&] { desk.scroll(); },
+    };
+    for (const auto& end : ends) {
+        open();
+        EXPECT_NE(desk.eventTaps.interest(), TapInterest{});
+        end();
+        EXPECT_FALSE(inputIsShown());
+        EXPECT_EQ(desk.eventTaps.interest(), TapInterest{});
+    }
+}
+
 TEST_F(Session, ThePrimaryTargetOutlivesItsSessionUntilTheNextRedraw) {
     search("send");
     press(Key::escape);
@@ -212,6 +249,12 @@ TEST_F(Session, StartingTwiceLeavesOneHandlerAndOneMonitor) {
     EXPECT_EQ(seen(), Texts{"The Input shown"});
     EXPECT_TRUE(desk.events.isMonitored());
     EXPECT_EQ(desk.hotKeys.registered().size(), 1u);
+}
+
+TEST_F(Session, StartingAgainEnablesTheEventTap) {
+    core.eventTapController().enable(false);
+    core.start();
+    EXPECT_TRUE(desk.eventTaps.isEnabled());
 }
 
 TEST_F(Session, StartingRemovesTheSettingsOfOlderVersionsWhateverTheirType) {
