@@ -1,5 +1,6 @@
 // The program: the one place that knows which implementations run.
 #include <QApplication>
+#include <QProcessEnvironment>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
@@ -88,11 +89,11 @@ std::unique_ptr<Service> require(Outcome<std::unique_ptr<Service>> service) {
     std::exit(kFailure);
 }
 
-int run(std::unique_ptr<X11Windows> windows) {
+int run(std::unique_ptr<X11Windows> windows, const QProcessEnvironment& environment) {
     QtRunLoop runLoop;
     MilestoneFile milestones(qEnvironmentVariable("TARVIX_MILESTONES").toStdString());
     QtUserDefaults userDefaults(QtUserDefaults::standardPath());
-    QtApplication thisProgram(QtUserDefaults::standardPath());
+    QtApplication thisProgram(QtUserDefaults::standardPath(), environment);
     QtPasteboard pasteboard;
     QtNotificationCenter notificationCenter;
 
@@ -137,11 +138,12 @@ int main(int count, char** arguments) {
     if (const auto status = answerCommandLine(count, arguments)) return *status;
     // Asked before Qt, which ends the process with a long text where there is no display.
     auto windows = require(X11Windows::open());
+    const QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     keepToPixels();
     QApplication application(count, arguments);
     QApplication::setApplicationName("tarvix");
     QApplication::setApplicationDisplayName("Tarvix");
     QApplication::setDesktopFileName("tarvix");
     QApplication::setQuitOnLastWindowClosed(false);
-    return run(std::move(windows));
+    return run(std::move(windows), environment);
 }

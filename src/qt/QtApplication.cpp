@@ -1,19 +1,34 @@
 #include "qt/QtApplication.h"
 
-#include <QDesktopServices>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QUrl>
+#include <QProcess>
+#include <cstdio>
 
 namespace tarvix {
 
-void QtApplication::showSettings() {
-    QDir().mkpath(QFileInfo(settingsPath_).path());
-    QFile file(settingsPath_);
+namespace {
+
+void makeIfMissing(const QString& path) {
+    QDir().mkpath(QFileInfo(path).path());
+    QFile file(path);
     if (file.open(QIODevice::WriteOnly | QIODevice::NewOnly)) file.write("{}\n");
-    file.close();
-    QDesktopServices::openUrl(QUrl::fromLocalFile(settingsPath_));
+}
+
+}  // namespace
+
+// The desktop's own opener instead of Qt's service, which would hand this program's environment on.
+void QtApplication::showSettings() {
+    makeIfMissing(settingsPath_);
+    QProcess opener;
+    opener.setProgram("xdg-open");
+    opener.setArguments({settingsPath_});
+    opener.setProcessEnvironment(environment_);
+    opener.setStandardOutputFile(QProcess::nullDevice());
+    opener.setStandardErrorFile(QProcess::nullDevice());
+    if (!opener.startDetached())
+        std::fprintf(stderr, "tarvix: no xdg-open; the settings are in %s\n", qUtf8Printable(settingsPath_));
 }
 
 }  // namespace tarvix
