@@ -14,7 +14,12 @@ X11StandIns::X11StandIns(X11Connection& connection) : x_(connection) {
     });
 }
 
-X11StandIns::~X11StandIns() { clear(); }
+// The server drops what a client has sent last when it can't write to it any more.
+X11StandIns::~X11StandIns() {
+    if (modifiers_ == 0) return;
+    clear();
+    x_.sync();
+}
 
 void X11StandIns::standIn(std::uint8_t mask) {
     if (isSuspended_) return;
