@@ -48,10 +48,21 @@ struct Services {
     SimulatedDesktop rest;
 
     Platform platform() {
-        return {*accessibility, *workspace,        *windowServer,     *screens,
-                *events,        rest.hotKeys,      rest.inputSources, rest.panels,
-                rest.runLoop,   rest.userDefaults, rest.pasteboard,   rest.notificationCenter,
-                rest.milestones};
+        return {.accessibility = *accessibility,
+                .application = rest.application,
+                .workspace = *workspace,
+                .windowServer = *windowServer,
+                .screens = *screens,
+                .events = *events,
+                .eventTaps = rest.eventTaps,
+                .hotKeys = rest.hotKeys,
+                .inputSources = rest.inputSources,
+                .panels = rest.panels,
+                .runLoop = rest.runLoop,
+                .userDefaults = rest.userDefaults,
+                .pasteboard = rest.pasteboard,
+                .notificationCenter = rest.notificationCenter,
+                .milestones = rest.milestones};
     }
 };
 
