@@ -2,6 +2,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <stdexcept>
+
 #include "platform/Platform.h"
 #include "simulated/SimulatedDesktop.h"
 
@@ -121,10 +123,65 @@ TEST_F(SimulatedDesktopTest, AHotKeyIsServedWhoeverHasTheKeyboard) {
     EXPECT_THAT(desk.journal(), IsEmpty());
 }
 
+class SimulatedEventTapsTest : public SimulatedDesktopTest {
+protected:
+    std::vector<TapEventType> told;
+    Verdict answer = Verdict::pass;
+    std::unique_ptr<EventTap> tap = platform.eventTaps.createEventTap([this](TapEventType type) {
+        told.push_back(type);
+        return answer;
+    });
+};
+
+TEST_F(SimulatedEventTapsTest, ATapIsToldNothingUntilItWantsToKnow) {
+    desk.movePointer({90, 20});
+    EXPECT_TRUE(desk.scroll());
+    EXPECT_THAT(told, IsEmpty());
+    tap->setInterest({.moves = true, .wheel = WheelFate::seen});
+    desk.movePointer({95, 20});
+    EXPECT_TRUE(desk.scroll());
+    EXPECT_THAT(told, ElementsAre(TapEventType::mouseMoved, TapEventType::scrollWheel));
+    EXPECT_EQ(platform.screens.mouseLocation(), (PanelPoint{95, 980}));
+}
+
+TEST_F(SimulatedEventTapsTest, ASwallowedWheelDoesNotReachTheApplication) {
+    tap->setInterest({.moves = false, .wheel = WheelFate::swallowed});
+    answer = Verdict::consume;
+    EXPECT_FALSE(desk.scroll());
+    EXPECT_THAT(told, ElementsAre(TapEventType::scrollWheel));
+    EXPECT_THAT(desk.journal(), IsEmpty());
+    tap->enable(false);
+    EXPECT_TRUE(desk.scroll());
+    EXPECT_THAT(desk.journal(), ElementsAre("wheel reached the application"));
+}
+
+TEST_F(SimulatedEventTapsTest, AnAnswerOtherThanTheFateIsAMistakeOfTheProgram) {
+    tap->setInterest({.moves = false, .wheel = WheelFate::swallowed});
+    EXPECT_THROW(desk.scroll(), std::logic_error);
+    tap->setInterest({.moves = false, .wheel = WheelFate::seen});
+    answer = Verdict::consume;
+    EXPECT_THROW(desk.scroll(), std::logic_error);
+}
+
+TEST_F(SimulatedEventTapsTest, ATapThatIsTooSlowIsTurnedOffAndTold) {
+    desk.eventTaps.timeOut();
+    EXPECT_THAT(told, ElementsAre(TapEventType::disabledByTimeout));
+    EXPECT_FALSE(desk.eventTaps.isEnabled());
+    tap->enable(true);
+    EXPECT_TRUE(desk.eventTaps.isEnabled());
+}
+
+TEST_F(SimulatedEventTapsTest, ATapThatHasGoneSwallowsNothing) {
+    tap->setInterest({.moves = true, .wheel = WheelFate::swallowed});
+    tap.reset();
+    EXPECT_TRUE(desk.scroll());
+    EXPECT_THAT(told, IsEmpty());
+}
+
 TEST_F(SimulatedDesktopTest, TheServicesFailWhereTheyAreToldTo) {
     const std::int32_t mail = desk.launch("Mail");
-    for (const char* operation :
-         {"frontmostApplication", "runningApplication", "onScreenWindows", "postMouse", "postKey", "registerHotKey"})
+    for (const char* operation : {"frontmostApplication", "runningApplication", "onScreenWindows", "postMouse",
+                                  "postKey", "registerHotKey", "createEventTap"})
         desk.faults.fail(operation);
     EXPECT_EQ(platform.workspace.frontmostApplication(), std::nullopt);
     EXPECT_EQ(platform.workspace.runningApplication(mail), std::nullopt);
@@ -132,6 +189,7 @@ TEST_F(SimulatedDesktopTest, TheServicesFailWhereTheyAreToldTo) {
     EXPECT_FALSE(platform.events.post(MouseEvent{}));
     EXPECT_FALSE(platform.events.post(KeyEvent{}));
     EXPECT_FALSE(platform.hotKeys.registerHotKey(1, 49, 0x300));
+    EXPECT_EQ(platform.eventTaps.createEventTap([](TapEventType) { return Verdict::pass; }), nullptr);
     EXPECT_THAT(desk.journal(), IsEmpty());
 }
 
