@@ -167,6 +167,12 @@ void X11Connection::watch(ReadWatcher& watcher) {
     keepEvents();
 }
 
+// Sending reads as well, and what arrives just then makes the descriptor silent.
+void X11Connection::flush() {
+    xcb_flush(connection_);
+    if (wakeUp_ >= 0) keepEvents();
+}
+
 void X11Connection::sync() { reply<xcb_get_input_focus_reply>(xcb_get_input_focus(connection_)); }
 
 void X11Connection::keepEvents() {

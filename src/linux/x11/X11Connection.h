@@ -95,7 +95,7 @@ public:
 
     // Hands events out whenever the loop finds some. Without it events are dropped.
     void watch(ReadWatcher& watcher);
-    void flush() { xcb_flush(connection_); }
+    void flush();
     // Waits until the server has processed every request so far.
     void sync();
 
