@@ -46,7 +46,7 @@ void X11KeyPoster::post(std::uint8_t eventType, std::uint8_t keycode, std::uint8
     fake(eventType, keycode);
     lockModifiers(x_, changed, state.locked & changed);
     putBack(keys);
-    x_.flush();
+    x_.sync();  // whatever is locked or unlocked after this call stays so
     if (!keys.keyboards.empty()) standIns_.standIn(static_cast<std::uint8_t>(~modifiers.locks()));
 }
 
