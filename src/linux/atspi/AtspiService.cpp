@@ -112,6 +112,7 @@ AxResult<AxValue> AtspiService::systemAttribute(std::string_view name) {
     FetchOptions options;
     options.limit = kSingleRead;
     options.waitsForTree = false;
+    options.screen = &windows_;
     std::optional<WindowTree> tree = fetchWindow(applications_, *active, options);
     if (!tree) return {AxStatus::cannotComplete, {}};
     const TreeReads reads(std::move(*tree), *active);
@@ -174,6 +175,7 @@ AtspiService::FoundInTree AtspiService::findInTree(const AtspiElement& of) {
     FetchOptions options;
     options.limit = kSingleRead;
     options.waitsForTree = false;
+    options.screen = &windows_;
     std::optional<WindowTree> tree = fetchWindow(applications_, *window, options);
     if (!tree) return {AxStatus::cannotComplete, nullptr, std::nullopt};
     auto reads = std::make_unique<TreeReads>(std::move(*tree), *window);
@@ -191,7 +193,9 @@ AtspiService::FoundInTree AtspiService::findInTree(const AtspiElement& of) {
 }
 
 std::unique_ptr<AccessibilityReads> AtspiService::readAhead(const UIElement& root) {
-    return readAhead(root, {}, nullptr);
+    FetchOptions options;
+    options.screen = &windows_;
+    return readAhead(root, options, nullptr);
 }
 
 std::unique_ptr<AccessibilityReads> AtspiService::readAhead(const UIElement& root, const FetchOptions& options,

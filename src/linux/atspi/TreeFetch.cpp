@@ -49,6 +49,15 @@ bool isSurface(Role role) {
            role == Role::toolTip || role == Role::frame || role == Role::alert;
 }
 
+// Under which there may be a menu or a list in a window of its own.
+bool opensPopup(const Node& node) {
+    return node.role == Role::menuItem || node.role == Role::menu ||
+           (node.role == Role::comboBox && node.has(State::expanded));
+}
+
+constexpr AxRect kEverywhere{{-1e6, -1e6}, {2e6, 2e6}};
+constexpr double kWidestPopoverBorder = 64;
+
 constexpr std::int32_t kToTheEnd = -1;
 
 bool mayBeLong(const Node& node) {
@@ -113,6 +122,16 @@ void TreeFetch::run(const Reference& frame, Bulk bulk) {
         for (std::size_t i = 1; i < tree_.size(); ++i) place(static_cast<int>(i));
     }
     if (application_.toolkit == Toolkit::libreOffice) straightenLibreOffice();
+}
+
+void TreeFetch::addPopups(const std::vector<Reference>& popups) {
+    if (tree_.empty() || popups.empty()) return;
+    visitChildren(0, popups, kEverywhere, Kind::ordinary);
+    pipeline_.run();
+}
+
+void TreeFetch::finish() {
+    if (tree_.empty()) return;
     addTextElements();
     markTitleBar();
     clipFrames();
@@ -420,7 +439,7 @@ AxRect TreeFetch::clipBelow(int index) const {
     const Node& node = tree_[static_cast<std::size_t>(index)];
     const AxRect clip = work_[static_cast<std::size_t>(index)].clip;
     if (index == 0 || !node.raw || isEmpty(*node.raw)) return clip;
-    if (isSurface(node.role)) return {{-1e6, -1e6}, {2e6, 2e6}};
+    if (isSurface(node.role) || opensPopup(node) || isPopover(node)) return kEverywhere;
     const bool clips =
         manner_.clipsByEveryBox || isScroller(node.role) || (!manner_.showingIsTold && isGtk4Clipper(node.role));
     return clips ? intersection(clip, node.frame) : clip;
@@ -572,6 +591,51 @@ void TreeFetch::dropHiddenPages() {
         for (const int page : stack.pages)
             if (page != at) tree_[static_cast<std::size_t>(page)].shows = false;
     }
+}
+
+// GTK 4.8 names its widgets by their types.
+bool TreeFetch::isPopover(const Node& node) const {
+    return application_.toolkit == Toolkit::gtk4 && (node.name == "GtkPopover" || node.name == "GtkPopoverMenu");
+}
+
+bool TreeFetch::hasPopovers() const {
+    return std::any_of(tree_.begin(), tree_.end(), [this](const Node& node) { return node.shows && isPopover(node); });
+}
+
+void TreeFetch::placePopovers(const std::vector<AxRect>& windows) {
+    for (std::size_t i = 1; i < tree_.size(); ++i)
+        if (tree_[i].shows && isPopover(tree_[i])) placePopover(static_cast<int>(i), windows);
+}
+
+// GTK 4 reports what is in a popover as if that stood on its parent's origin. In truth it is a window of its own, which
+// is known by its size: the popover's content and as much border at least as there is before the content.
+void TreeFetch::placePopover(int index, const std::vector<AxRect>& windows) {
+    Node& popover = tree_[static_cast<std::size_t>(index)];
+    const AxRect told = popover.frame;
+    const AxPoint corner = tree_[static_cast<std::size_t>(popover.parent)].frame.origin;
+    const Size least{told.maxX() - corner.x, told.maxY() - corner.y};
+    const auto excess = [&](const AxRect& window) {
+        const double width = window.size.width - least.width, height = window.size.height - least.height;
+        return width < -1 || height < -1 ? kEverywhere.size.width : width + height;
+    };
+    const auto best = std::min_element(windows.begin(), windows.end(),
+                                       [&](const AxRect& a, const AxRect& b) { return excess(a) < excess(b); });
+    if (best == windows.end() || excess(*best) > kWidestPopoverBorder) return;
+    const double dx = best->origin.x - corner.x, dy = best->origin.y - corner.y;
+    std::vector<int> below{index};
+    while (!below.empty()) {
+        const auto at = static_cast<std::size_t>(below.back());
+        below.pop_back();
+        tree_[at].frame.origin.x += dx;
+        tree_[at].frame.origin.y += dy;
+        if (at != static_cast<std::size_t>(index)) {
+            work_[at].clip.origin.x += dx;
+            work_[at].clip.origin.y += dy;
+        }
+        below.insert(below.end(), tree_[at].children.begin(), tree_[at].children.end());
+    }
+    popover.frame = *best;
+    work_[static_cast<std::size_t>(index)].clip = kEverywhere;
 }
 
 // The drawn-by-itself part of a LibreOffice window reports boxes that are off by the height of the menu bar until a

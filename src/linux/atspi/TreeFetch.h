@@ -42,6 +42,13 @@ public:
     // that lists an ancestor among its children, or one child twice, ends.
     enum class Bulk : std::uint8_t { allowed, never };
     void run(const Reference& frame, Bulk bulk = Bulk::allowed);
+    // Visits popups that the application lists beside its frames; they become the last children of the frame.
+    void addPopups(const std::vector<Reference>& popups);
+    // Whether there are popovers, and where they stand: each is one of these windows, in root pixels.
+    bool hasPopovers() const;
+    void placePopovers(const std::vector<AxRect>& windows);
+    // To be called last: what is known only of the whole.
+    void finish();
 
     NodeTree takeTree() { return std::move(tree_); }
     // The words for the roles that were met, those given at creation included.
@@ -89,6 +96,7 @@ private:
     bool showsByState(const Node& node) const;
     bool isWithinClip(int index) const;
     AxRect clipBelow(int index) const;
+    bool isPopover(const Node& node) const;
     void visitChildren(int index, const std::vector<Reference>& children, AxRect clip, Kind kind);
 
     // Sends a call about an object and counts it among what its next step waits for.
@@ -99,6 +107,7 @@ private:
     Call callTo(const Reference& reference, const char* interface, const char* member) const;
 
     void dropHiddenPages();
+    void placePopover(int index, const std::vector<AxRect>& windows);
     void addTextElements();
     void nameTabs();
     void markTitleBar();

@@ -131,6 +131,7 @@ enum class State : unsigned {
     checked = 4,
     defunct = 6,
     editable = 7,
+    expanded = 10,
     focused = 12,
     iconified = 15,
     modal = 16,

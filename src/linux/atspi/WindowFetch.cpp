@@ -50,6 +50,16 @@ void askFrame(Pipeline& pipeline, const Lease& lease, Toolkit toolkit, FrameCand
     pipeline.send(std::move(box), [&frame](sd_bus_message* r) { frame.box = readBox(r); });
 }
 
+// GTK 3 lists the windows of open menus beside the frames, and calls the topmost of them active.
+bool isPopup(Toolkit toolkit, const FrameCandidate& frame) {
+    return toolkit == Toolkit::gtk3 && frame.role == Role::window;
+}
+
+bool isOpen(const FrameCandidate& popup) {
+    const bool shows = (popup.states >> static_cast<unsigned>(State::showing) & 1U) != 0;
+    return shows && popup.box && isSane(*popup.box) && popup.box->width > 0 && popup.box->height > 0;
+}
+
 // How surely this accessible frame is that window. Sizes differ by the shadow or the decoration, which some toolkits
 // count in and some don't.
 int likeness(const FrameCandidate& frame, const X11Window& window) {
@@ -77,11 +87,17 @@ std::optional<FrameFound> findFrameOn(const Application& application, Lease& lea
                       for (FrameCandidate& frame : frames) askFrame(pipeline, lease, application.toolkit, frame);
                   });
     pipeline.run();
-    const auto best = std::max_element(
-        frames.begin(), frames.end(),
-        [&](const FrameCandidate& a, const FrameCandidate& b) { return likeness(a, window) < likeness(b, window); });
-    if (best == frames.end() || likeness(*best, window) < 0) return std::nullopt;
-    return FrameFound{application, best->reference, *best->box};
+    const auto popups = std::stable_partition(frames.begin(), frames.end(), [&](const FrameCandidate& frame) {
+        return !isPopup(application.toolkit, frame);
+    });
+    const auto best = std::max_element(frames.begin(), popups, [&](const FrameCandidate& a, const FrameCandidate& b) {
+        return likeness(a, window) < likeness(b, window);
+    });
+    if (best == popups || likeness(*best, window) < 0) return std::nullopt;
+    FrameFound found{application, best->reference, *best->box, {}};
+    for (auto popup = popups; popup != frames.end(); ++popup)
+        if (isOpen(*popup)) found.popups.push_back(popup->reference);
+    return found;
 }
 
 // A browser makes its trees when somebody first asks for attributes.
@@ -137,6 +153,9 @@ private:
             TreeFetch tree(pipeline, application_, lease.direct(), result.placement, window_.visible(),
                            applications_.roleWords(application_.bus), applications_.paddings(application_.bus));
             tree.run(frame->reference, options_.bulk ? TreeFetch::Bulk::allowed : TreeFetch::Bulk::never);
+            tree.addPopups(frame->popups);
+            if (options_.screen && tree.hasPopovers()) tree.placePopovers(popupsOf(*options_.screen));
+            tree.finish();
             applications_.keepRoleWords(application_.bus, tree.roleWords());
             applications_.keepPaddings(application_.bus, tree.paddings());
             result.nodes = tree.takeTree();
@@ -148,6 +167,13 @@ private:
         lastFrame_ = frame;
         if (!frame) return std::nullopt;
         return result;
+    }
+
+    std::vector<AxRect> popupsOf(X11Windows& screen) const {
+        std::vector<AxRect> popups;
+        for (const X11Window& each : screen.onScreen())
+            if (each.isOverrideRedirect && each.pid == window_.pid) popups.push_back(each.client);
+        return popups;
     }
 
     // Reads until three reads in a row have found the same: the tree is being made while it is read.

@@ -23,13 +23,14 @@ struct FetchOptions {
     bool overBus = false;  // never the application's own socket
     bool bulk = true;      // all objects in one call where the toolkit can; else each by itself
     bool record = false;
-    bool waitsForTree = true;  // at a first contact, for what a toolkit makes on demand
+    bool waitsForTree = true;      // at a first contact, for what a toolkit makes on demand
+    X11Windows* screen = nullptr;  // tells where popups stand whose toolkit doesn't know
     Milliseconds limit{1500};
 };
 
 // Fetches the window's tree; blocks up to options.limit, and at a first contact with a browser, which makes its tree on
 // demand, somewhat longer. What had arrived when the time was up stands. Absent when the window's process shows no
-// frame.
+// frame. The open menus and lists of the window are in its tree, those that are windows of their own included.
 std::optional<WindowTree> fetchWindow(Applications& applications, const X11Window& window, const FetchOptions& options);
 
 // The accessible frame of a window, found by its title, size and activity among those of its process.
@@ -37,6 +38,7 @@ struct FrameFound {
     Application application;
     Reference reference;
     RawBox box;
+    std::vector<Reference> popups;  // open ones that the application lists beside its frames
 };
 std::optional<FrameFound> findFrame(Applications& applications, const X11Window& window, Clock::time_point deadline);
 
