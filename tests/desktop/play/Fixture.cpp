@@ -10,7 +10,9 @@ namespace tarvix {
 
 namespace {
 
-constexpr auto keyLine = "key";  // in the place of a control's name
+// In the place of a control's name.
+constexpr auto keyLine = "key";
+constexpr auto menuLine = "menu";
 
 KnownControl::Visible visibility(const nlohmann::json& told) {
     if (told.is_string()) return KnownControl::Visible::partly;
@@ -65,7 +67,7 @@ std::int32_t Fixture::pid() const { return report(folder_)["pid"]; }
 
 std::vector<FixtureClick> Fixture::clicks() const {
     std::vector<FixtureClick> clicks = log();
-    std::erase_if(clicks, [](const FixtureClick& line) { return line.name == keyLine; });
+    std::erase_if(clicks, [](const FixtureClick& line) { return line.name == keyLine || line.name == menuLine; });
     return clicks;
 }
 
@@ -74,6 +76,13 @@ std::string Fixture::keys() const {
     for (const FixtureClick& line : log())
         if (line.name == keyLine) keys += line.modifiers;
     return keys;
+}
+
+std::vector<std::string> Fixture::menus() const {
+    std::vector<std::string> menus;
+    for (const FixtureClick& line : log())
+        if (line.name == menuLine) menus.push_back(line.modifiers);
+    return menus;
 }
 
 std::vector<FixtureClick> Fixture::log() const {

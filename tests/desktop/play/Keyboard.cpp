@@ -68,9 +68,9 @@ void Keyboard::movePointer(ScreenPoint to) {
     sync();
 }
 
-void Keyboard::click() {
-    post(XCB_BUTTON_PRESS, 1);
-    post(XCB_BUTTON_RELEASE, 1);
+void Keyboard::click(std::uint8_t button) {
+    post(XCB_BUTTON_PRESS, button);
+    post(XCB_BUTTON_RELEASE, button);
     sync();
 }
 

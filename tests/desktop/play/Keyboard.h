@@ -35,7 +35,7 @@ public:
 
     ScreenPoint pointer();
     void movePointer(ScreenPoint to);
-    void click();
+    void click(std::uint8_t button = 1);
 
 private:
     struct Key {
