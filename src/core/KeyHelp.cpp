@@ -63,6 +63,7 @@ std::string keysOf(KeyAction action) {
 
 std::vector<KeyHelpRow> keyHelp() {
     std::vector<KeyHelpRow> rows;
+    rows.reserve(keyActions.size());
     for (const KeyActionRow& row : keyActions) rows.push_back({keysOf(row.action), row.help});
     return rows;
 }
