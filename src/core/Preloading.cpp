@@ -24,12 +24,10 @@ void Preloading::cancel() {
 void Preloading::start(TarvixEngine& engine, TheInputProtocol& theInput) {
     preloadingTask_ = std::make_shared<Task>();
     theInput.setShowPreloading(true);
-    runLoop_.inBackground([this, &engine, &theInput, &runLoop = runLoop_, &milestones = milestones_,
-                           alive = std::weak_ptr(alive_), search = engine.searchEngine(),
-                           pid = engine.axFrontmostApplicationPID().value_or(-1)] {
+    runLoop_.inBackground([this, &engine, &theInput, &runLoop = runLoop_, alive = std::weak_ptr(alive_),
+                           search = engine.searchEngine(), pid = engine.axFrontmostApplicationPID().value_or(-1)] {
         auto elements = std::make_shared<OrderedSet<AccessibilityElement>>(search->candidates(pid));
         search->prepare(*elements);
-        milestones.reached(milestone::candidatesRead, elements->size());
         runLoop.onMain([this, &engine, &theInput, alive, elements] {
             if (!alive.expired()) finish(engine, theInput, std::move(*elements));
         });
@@ -39,7 +37,9 @@ void Preloading::start(TarvixEngine& engine, TheInputProtocol& theInput) {
 // The test is on the latest session's task and not on the one that ends here: once a newer session has begun, a
 // cancelled task shows the Targets of that one's state too. Nor does it matter whether The Input is still visible.
 void Preloading::finish(TarvixEngine& engine, TheInputProtocol& theInput, OrderedSet<AccessibilityElement> elements) {
+    const std::size_t count = elements.size();
     engine.setAllElements(std::move(elements));
+    milestones_.reached(milestone::candidatesRead, count);  // from here on a key finds them
     theInput.setShowPreloading(false);
     if (!preloadingTask_ || preloadingTask_->isCancelled()) return;
     runLoop_.onMain([&engine, &theInput, alive = std::weak_ptr(alive_)] {

@@ -17,7 +17,7 @@ namespace milestone {
 inline constexpr std::string_view ready = "ready";  // the hot key is registered
 inline constexpr std::string_view hotKeyPressed = "hot key pressed";
 inline constexpr std::string_view inputShown = "The Input shown";      // painted and with the keyboard
-inline constexpr std::string_view candidatesRead = "candidates read";  // count: candidates
+inline constexpr std::string_view candidatesRead = "candidates read";  // and a key finds them; count: candidates
 inline constexpr std::string_view textChanged = "text changed";
 inline constexpr std::string_view markersDrawn = "markers drawn";                     // painted; count: markers
 inline constexpr std::string_view inspectorMarkerDrawn = "inspector's marker drawn";  // painted; count: markers, 1 or 0
