@@ -13,6 +13,7 @@ namespace {
 // In the place of a control's name.
 constexpr auto keyLine = "key";
 constexpr auto menuLine = "menu";
+constexpr auto scrolledLine = "scrolled";
 
 KnownControl::Visible visibility(const nlohmann::json& told) {
     if (told.is_string()) return KnownControl::Visible::partly;
@@ -67,7 +68,9 @@ std::int32_t Fixture::pid() const { return report(folder_)["pid"]; }
 
 std::vector<FixtureClick> Fixture::clicks() const {
     std::vector<FixtureClick> clicks = log();
-    std::erase_if(clicks, [](const FixtureClick& line) { return line.name == keyLine || line.name == menuLine; });
+    std::erase_if(clicks, [](const FixtureClick& line) {
+        return line.name == keyLine || line.name == scrolledLine || line.name == menuLine;
+    });
     return clicks;
 }
 
@@ -83,6 +86,13 @@ std::vector<std::string> Fixture::menus() const {
     for (const FixtureClick& line : log())
         if (line.name == menuLine) menus.push_back(line.modifiers);
     return menus;
+}
+
+int Fixture::scrolled() const {
+    int offset = 0;
+    for (const FixtureClick& line : log())
+        if (line.name == scrolledLine) offset = std::stoi(line.modifiers);
+    return offset;
 }
 
 std::vector<FixtureClick> Fixture::log() const {

@@ -69,6 +69,8 @@ public:
     std::string keys() const;
     // What its menus did so far: "opened", "closed"; of fixtures that log it.
     std::vector<std::string> menus() const;
+    // How far its scroller is scrolled, in pixels; of fixtures that log it.
+    int scrolled() const;
 
     Process& process() { return process_; }
 
