@@ -1,3 +1,7 @@
+#include <algorithm>
+#include <cstdlib>
+#include <utility>
+
 #include "KeyboardShortcuts/CarbonKeyboardShortcuts.h"
 #include "linux/x11/X11HotKeys.h"
 #include "tests/desktop/X11Desk.h"
@@ -337,6 +341,35 @@ TEST_F(X11HotKeysOnDesktop, AKeyThatIsDownAlreadyIsNoPress) {
     press();
     release();
     EXPECT_EQ(takeSeen(), once);
+}
+
+// What the desktop itself has taken -----------------------------------------------------------------------------------
+
+TEST_F(X11HotKeysOnDesktop, TheWindowManagersOwnKeysAreReadFromItsDefaultConfiguration) {
+    const std::string present = std::getenv("XDG_CONFIG_HOME");
+    setenv("XDG_CONFIG_HOME", "/nonexistent", 1);  // the one of these tests has no keys
+    const auto found = hotKeys->symbolicHotKeys();
+    setenv("XDG_CONFIG_HOME", present.c_str(), 1);
+
+    const auto check = connection->items(connection->root(), "_NET_SUPPORTING_WM_CHECK");
+    if (check.empty()) {
+        EXPECT_EQ(found, std::nullopt);
+        return;
+    }
+    ASSERT_TRUE(found);
+    constexpr std::uint32_t option = 0x800, command = 0x100, control = 0x1000;
+    constexpr std::uint32_t tab = 48, e = 14, d = 2, f1 = 122, f4 = 118, left = 123;
+    const auto has = [&](std::uint32_t keyCode, std::uint32_t modifiers) {
+        return std::ranges::count(*found, SymbolicHotKey{true, keyCode, modifiers}) > 0;
+    };
+    EXPECT_TRUE(has(f4, option));
+    EXPECT_TRUE(has(tab, option));
+    EXPECT_TRUE(has(kSpace, option));
+    EXPECT_FALSE(has(left, 0));
+    const bool isOpenbox = connection->text(check.front(), "_NET_WM_NAME") == "Openbox";
+    EXPECT_EQ(has(d, command), isOpenbox);
+    EXPECT_EQ(has(f1, control), !isOpenbox);
+    EXPECT_TRUE(has(e, command));
 }
 
 // The shortcuts on top ------------------------------------------------------------------------------------------------

@@ -7,6 +7,7 @@
 
 #include "linux/x11/EvdevKeyCodes.h"
 #include "linux/x11/X11KeyState.h"
+#include "linux/x11/X11SymbolicHotKeys.h"
 #include "linux/x11/XInputKeyboards.h"
 #include "linux/x11/XcbXkb.h"
 #include "platform/Modifiers.h"
@@ -93,7 +94,7 @@ Subscription X11HotKeys::onRawKey(std::function<Verdict(const RawKeyEvent&)> see
     });
 }
 
-std::optional<std::vector<SymbolicHotKey>> X11HotKeys::symbolicHotKeys() { return std::nullopt; }
+std::optional<std::vector<SymbolicHotKey>> X11HotKeys::symbolicHotKeys() { return readSymbolicHotKeys(x_); }
 
 void X11HotKeys::listenForRawKeys() {
     rawKeys_.listen(hasXInput_ && (!hotKeys_.empty() || rawKey_ != nullptr || inMenu_));
