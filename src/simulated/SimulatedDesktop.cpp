@@ -90,10 +90,16 @@ void SimulatedDesktop::press(std::uint16_t keyCode, std::uint64_t flags) {
 void SimulatedDesktop::deliver(const KeyEvent& event) {
     if (hotKeys.press({event.keyCode, ModifierTransformer::carbonFlags(event.flags)})) return;
     if (!panelHasKeyboard()) {
-        log.note(Topic::key, "key " + std::to_string(event.keyCode) + " reached the application");
+        log.note(Topic::key, "key " + std::to_string(event.keyCode) + " reached the " + keyboardsOwner(event));
     } else if (events.offer(event) == Verdict::pass) {
         panels.input().handleKey(event, typed(event));
     }
+}
+
+std::string SimulatedDesktop::keyboardsOwner(const KeyEvent& event) const {
+    if (hotKeys.hasMenu()) return "menu";
+    const SimulatedHotKeys::Chord chord{event.keyCode, ModifierTransformer::carbonFlags(event.flags)};
+    return hotKeys.takenByOthers.contains(chord) ? "program that holds it" : "application";
 }
 
 bool SimulatedDesktop::panelHasKeyboard() const { return panels.hasInput() && panels.input().isKey(); }

@@ -91,6 +91,7 @@ public:
 
 private:
     bool panelHasKeyboard() const;
+    std::string keyboardsOwner(const KeyEvent& event) const;
     void deliver(const KeyEvent& event);
     void typeCharacter(const std::string& character);
     std::string typed(const KeyEvent& event);
