@@ -13,6 +13,7 @@
 #include "linux/x11/X11Connection.h"
 #include "linux/x11/X11EventTaps.h"
 #include "linux/x11/X11Events.h"
+#include "linux/x11/X11Guard.h"
 #include "linux/x11/X11HotKeys.h"
 #include "linux/x11/X11InputSources.h"
 #include "linux/x11/X11Keyboard.h"
@@ -89,7 +90,7 @@ std::unique_ptr<Service> require(Outcome<std::unique_ptr<Service>> service) {
     std::exit(kFailure);
 }
 
-int run(std::unique_ptr<X11Windows> windows, const QProcessEnvironment& environment) {
+int run(std::unique_ptr<X11Windows> windows, const QProcessEnvironment& environment, X11Remains& remains) {
     QtRunLoop runLoop;
     MilestoneFile milestones(qEnvironmentVariable("TARVIX_MILESTONES").toStdString());
     QtUserDefaults userDefaults(QtUserDefaults::standardPath());
@@ -98,6 +99,7 @@ int run(std::unique_ptr<X11Windows> windows, const QProcessEnvironment& environm
     QtNotificationCenter notificationCenter;
 
     const auto connection = require(X11Connection::open());
+    connection->noteRemainsIn(remains);
     const auto events = require(X11Events::open(*connection));
     const auto eventTaps = require(X11EventTaps::open(*connection, *events, runLoop));
     const auto hotKeys = require(X11HotKeys::open(*connection));
@@ -127,6 +129,11 @@ int run(std::unique_ptr<X11Windows> windows, const QProcessEnvironment& environm
         core.theInput().close();  // gives the keyboard back before anything is waited for
         QCoreApplication::quit();
     });
+    const Subscription serverGone = connection->onGone([&core] {
+        std::fputs("tarvix: the X server has closed the connection\n", stderr);
+        core.theInput().close();
+        QCoreApplication::exit(kFailure);
+    });
     const int status = QCoreApplication::exec();
     runLoop.waitForBodies();
     return status;
@@ -136,6 +143,7 @@ int run(std::unique_ptr<X11Windows> windows, const QProcessEnvironment& environm
 
 int main(int count, char** arguments) {
     if (const auto status = answerCommandLine(count, arguments)) return *status;
+    X11Remains& remains = startGuard();
     // Asked before Qt, which ends the process with a long text where there is no display.
     auto windows = require(X11Windows::open());
     const QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
@@ -145,5 +153,5 @@ int main(int count, char** arguments) {
     QApplication::setApplicationDisplayName("Tarvix");
     QApplication::setDesktopFileName("tarvix");
     QApplication::setQuitOnLastWindowClosed(false);
-    return run(std::move(windows), environment);
+    return run(std::move(windows), environment, remains);
 }

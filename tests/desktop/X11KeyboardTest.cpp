@@ -172,6 +172,76 @@ TEST_F(X11KeyboardOnDesktop, TheMonitorMayGiveTheKeyboardBack) {
     EXPECT_EQ(application.takeLog(), tapOfA);
 }
 
+TEST_F(X11KeyboardOnDesktop, WhatIsTypedAfterTheKeyThatEndsItReachesTheApplicationInOrder) {
+    const auto monitoring = events->monitorKeyDown([&](const KeyEvent& event) {
+        if (event.keyCode != 36) return Verdict::pass;
+        keyboard->releaseKeyboard();
+        return Verdict::consume;
+    });
+    ASSERT_TRUE(take());
+    hardware.keyDown(key::return_);
+    hardware.keyDown(key::shift);
+    hardware.tap(key::a);
+    hardware.keyUp(key::shift);
+    hardware.postedTap(key::s);
+    hardware.tap(key::a);
+    hardware.keyUp(key::return_);
+    settle();
+    EXPECT_EQ(takePanelKeys(), Lines{});
+    EXPECT_EQ(application.takeLog(), (Lines{"key down 38 with 1", "key up 38 with 1", "key down 39", "key up 39",
+                                            "key down 38", "key up 38"}));
+}
+
+TEST_F(X11KeyboardOnDesktop, WhatWaitsForThePanelIsTheApplicationsOnceAKeyEndsIt) {
+    const auto monitoring = events->monitorKeyDown([&](const KeyEvent& event) {
+        if (event.keyCode != 36) return Verdict::pass;
+        keyboard->releaseKeyboard();
+        return Verdict::consume;
+    });
+    ASSERT_TRUE(take());
+    keyboard->readyForKeyPress();
+    hardware.tap(key::s);
+    hardware.tap(key::return_);
+    hardware.tap(key::a);
+    EXPECT_EQ(takePanelKeys(), Lines{"key down 39"}) << "the others wait";
+    keyboard->readyForKeyPress();
+    settle();
+    EXPECT_EQ(takePanelKeys(), Lines{"key up 39"});
+    EXPECT_EQ(application.takeLog(), tapOfA);
+}
+
+TEST_F(X11KeyboardOnDesktop, WhatWaitsForThePanelIsNobodysOnceAClickEndsIt) {
+    ASSERT_TRUE(take());
+    keyboard->readyForKeyPress();
+    hardware.tap(key::s);
+    hardware.tap(key::a);
+    settle();
+    hardware.movePointer(200, 200);
+    hardware.click();
+    settle();
+    EXPECT_EQ(losses, 1);
+    Lines log;
+    EXPECT_TRUE(loop.runUntil([&] {
+        for (const std::string& line : application.takeLog()) log.push_back(line);
+        return std::ranges::count(log, "button up 1") == 1;
+    }));
+    EXPECT_EQ(log, (Lines{"button down 1", "button up 1"}));
+}
+
+TEST_F(X11KeyboardOnDesktop, APanelThatMissesAKeyIsNotWaitedForWithoutEnd) {
+    ASSERT_TRUE(take());
+    keyboard->readyForKeyPress();
+    hardware.tap(key::s);
+    hardware.tap(key::a);
+    Lines keys;
+    EXPECT_TRUE(loop.runUntil([&] {
+        for (const std::string& line : panel.takeLog())
+            if (line.starts_with("sent key")) keys.push_back(line.substr(5));
+        return keys.size() == 4;
+    })) << "though no further key comes";
+    EXPECT_EQ(keys, (Lines{"key down 39", "key up 39", "key down 38", "key up 38"}));
+}
+
 TEST_F(X11KeyboardOnDesktop, WithoutAMonitorEveryKeyIsThePanels) {
     {
         const auto monitoring = events->monitorKeyDown([](const KeyEvent&) { return Verdict::consume; });

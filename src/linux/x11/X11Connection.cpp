@@ -1,9 +1,11 @@
 #include "linux/x11/X11Connection.h"
 
 #include <sys/eventfd.h>
+#include <sys/timerfd.h>
 #include <unistd.h>
 #include <xcb/xinput.h>
 
+#include <algorithm>
 #include <utility>
 
 namespace tarvix {
@@ -86,7 +88,13 @@ X11Connection::~X11Connection() {
     watching_.reset();
     watchingWakeUp_.reset();
     if (wakeUp_ >= 0) close(wakeUp_);
+    sync();  // the server drops what it hasn't read of a connection that is closed
     xcb_disconnect(connection_);
+}
+
+void X11Connection::noteRemainsIn(X11Remains& remains) {
+    remains_ = &remains;
+    remains.client = xcb_get_setup(connection_)->resource_id_base;
 }
 
 const xcb_query_extension_reply_t* X11Connection::extension(xcb_extension_t& extension) const {
@@ -161,6 +169,7 @@ Subscription X11Connection::onEvent(EventHandler handler) {
 }
 
 void X11Connection::watch(ReadWatcher& watcher) {
+    watcher_ = &watcher;
     wakeUp_ = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
     watching_ = watcher.onReadable(xcb_get_file_descriptor(connection_), [this] { handOutEvents(); });
     watchingWakeUp_ = watcher.onReadable(wakeUp_, [this] { handOutEvents(); });
@@ -178,8 +187,51 @@ void X11Connection::sync() { reply<xcb_get_input_focus_reply>(xcb_get_input_focu
 void X11Connection::keepEvents() {
     const bool hadNone = kept_.empty();
     while (Reply<xcb_generic_event_t> event{xcb_poll_for_queued_event(connection_)})
-        if (wakeUp_ >= 0) kept_.push_back(std::move(event));
-    if (hadNone && !kept_.empty()) eventfd_write(wakeUp_, 1);
+        if (keepsEvents()) kept_.push_back(std::move(event));
+    if (hadNone && !kept_.empty() && wakeUp_ >= 0) eventfd_write(wakeUp_, 1);
+}
+
+void X11Connection::handOutArrived() {
+    keepEvents();
+    while (!kept_.empty()) {
+        const auto event = std::move(kept_.front());
+        kept_.pop_front();
+        handOut(*event);
+    }
+}
+
+std::vector<Reply<xcb_generic_event_t>> X11Connection::takeArrived(
+    const std::function<bool(const xcb_generic_event_t&)>& wanted) {
+    keepEvents();
+    std::vector<Reply<xcb_generic_event_t>> taken;
+    for (auto event = kept_.begin(); event != kept_.end();) {
+        if (wanted(**event)) {
+            taken.push_back(std::move(*event));
+            event = kept_.erase(event);
+        } else {
+            ++event;
+        }
+    }
+    return taken;
+}
+
+Subscription X11Connection::after(std::chrono::milliseconds delay, std::function<void()> elapsed) {
+    const int timer = watcher_ ? timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC | TFD_NONBLOCK) : -1;
+    if (timer < 0) return {};
+    itimerspec once{};
+    once.it_value.tv_sec = delay.count() / 1000;
+    once.it_value.tv_nsec = std::max<long>(1, delay.count() % 1000 * 1'000'000);
+    timerfd_settime(timer, 0, &once, nullptr);
+    auto watching = std::make_shared<Subscription>(watcher_->onReadable(timer, [timer, elapsed = std::move(elapsed)] {
+        std::uint64_t times = 0;
+        if (read(timer, &times, sizeof times) <= 0) return;
+        const auto run = elapsed;  // it may end its own subscription
+        run();
+    }));
+    return Subscription([watching, timer] {
+        watching->reset();
+        close(timer);
+    });
 }
 
 void X11Connection::handOutEvents() {
@@ -192,19 +244,22 @@ void X11Connection::handOutEvents() {
         return event;
     };
     while (const auto event = next()) handOut(*event);
-    // A dead connection's descriptor stays readable for ever.
-    if (!isAlive()) watching_.reset();
     flush();
+    if (isAlive() || !watching_) return;
+    watching_.reset();  // a dead connection's descriptor stays readable for ever
+    gone_();
 }
 
 void X11Connection::handOut(const xcb_generic_event_t& event) {
     if (event.response_type == 0) return;
     const auto handlers = handlers_;
-    handlers->remove_if([](const EventHandler& handler) { return !handler; });
+    if (handingOut_ == 0) handlers->remove_if([](const EventHandler& handler) { return !handler; });
+    ++handingOut_;
     for (const EventHandler& handler : *handlers) {
         const EventHandler running = handler;  // it may end its own subscription
-        if (running && running(event) == Handled::yes) return;
+        if (running && running(event) == Handled::yes) break;
     }
+    --handingOut_;
 }
 
 }  // namespace tarvix

@@ -3,6 +3,7 @@
 
 #include <xcb/xcb.h>
 
+#include <chrono>
 #include <cstdint>
 #include <cstdlib>
 #include <deque>
@@ -17,8 +18,10 @@
 #include <type_traits>
 #include <vector>
 
+#include "base/Listeners.h"
 #include "base/Outcome.h"
 #include "base/Subscription.h"
+#include "linux/x11/X11Remains.h"
 #include "platform/RunLoop.h"
 
 namespace tarvix {
@@ -45,6 +48,11 @@ public:
     int screenNumber() const { return screenNumber_; }
     // False once the server has gone.
     bool isAlive() const { return xcb_connection_has_error(connection_) == 0; }
+
+    // Where what doesn't end with this connection is noted; a record of its own until another one is given, which
+    // outlives it.
+    X11Remains& remains() { return *remains_; }
+    void noteRemainsIn(X11Remains& remains);
 
     // The server's own record of an extension; null when it hasn't got it. A request of a missing extension ends the
     // connection, so this is asked first.
@@ -93,14 +101,27 @@ public:
     using EventHandler = std::function<Handled(const xcb_generic_event_t&)>;
     [[nodiscard]] Subscription onEvent(EventHandler handler);
 
-    // Hands events out whenever the loop finds some. Without it events are dropped.
+    // Hands events out whenever the loop finds some.
     void watch(ReadWatcher& watcher);
+    // Hands out the events that have arrived along with replies. For a connection that no loop watches, whose events
+    // are dropped as long as there is no handler.
+    void handOutArrived();
+    // Takes those that have arrived and that `wanted` says yes to out of the line.
+    std::vector<Reply<xcb_generic_event_t>> takeArrived(const std::function<bool(const xcb_generic_event_t&)>& wanted);
+    // Whether an event is being handed out right now.
+    bool isHandingOut() const { return handingOut_ > 0; }
+    // Calls back once after a delay, on the loop that watches; never without one.
+    [[nodiscard]] Subscription after(std::chrono::milliseconds delay, std::function<void()> elapsed);
+    // Called once when the server has gone, or has thrown this client out; by the loop that watches.
+    [[nodiscard]] Subscription onGone(std::function<void()> gone) { return gone_.add(std::move(gone)); }
+
     void flush();
     // Waits until the server has processed every request so far.
     void sync();
 
 private:
     X11Connection(xcb_connection_t* connection, int screenNumber, const xcb_screen_t* screen);
+    bool keepsEvents() const { return wakeUp_ >= 0 || !handlers_->empty(); }
     void keepEvents();
     void handOutEvents();
     void handOut(const xcb_generic_event_t& event);
@@ -111,6 +132,8 @@ private:
     std::map<std::string, xcb_atom_t, std::less<>> atoms_;
     std::map<xcb_atom_t, std::string> atomNames_;
     std::uint32_t rootMask_ = 0;
+    X11Remains ownRemains_;
+    X11Remains* remains_ = &ownRemains_;
 
     // The XInput masks of the root: what was asked for, by device.
     class XInputMasks;
@@ -118,7 +141,10 @@ private:
 
     std::shared_ptr<std::list<EventHandler>> handlers_ = std::make_shared<std::list<EventHandler>>();
     std::deque<Reply<xcb_generic_event_t>> kept_;
+    int handingOut_ = 0;
+    ReadWatcher* watcher_ = nullptr;
     int wakeUp_ = -1;  // an eventfd: readable while events are kept
+    Listeners<> gone_;
     Subscription watching_, watchingWakeUp_;
 };
 

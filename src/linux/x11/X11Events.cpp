@@ -74,10 +74,14 @@ bool X11Events::post(const MouseEvent& event) {
         // Modifiers that a hand holds are unknown to the applications while the keyboards are grabbed one by one, and
         // belong to the click all the same.
         if (standIns_ && !event.flags) standIns_->standIn(modifiers_.four());
+        if (row->event == XCB_BUTTON_PRESS) x_.remains().noteButton(row->button, true);
         const unsigned sequence = fake(row->event, row->button);
         lockModifiers(x_, locked, 0);
         if (row->event == XCB_BUTTON_PRESS) ownPresses_.push_back(sequence);
         if (ownPresses_.size() > kMostPressesKept) ownPresses_.erase(ownPresses_.begin());
+        x_.sync();
+        if (locked != 0) x_.remains().lockedModifiers = 0;
+        if (row->event == XCB_BUTTON_RELEASE) x_.remains().noteButton(row->button, false);
     }
     x_.flush();
     return true;
@@ -106,6 +110,7 @@ std::uint8_t X11Events::setModifiers(std::uint64_t flags) {
     const std::uint8_t unwanted = master.held & modifiers_.four() & static_cast<std::uint8_t>(~wanted);
     if (unwanted != 0) liftKeys(unwanted, devices);
     const std::uint8_t missing = wanted & static_cast<std::uint8_t>(~master.effective());
+    if (missing != 0) x_.remains().lockedModifiers = missing;
     lockModifiers(x_, missing, missing);
     return missing;
 }
@@ -138,9 +143,11 @@ bool X11Events::post(const KeyEvent& event) {
     }
     // It comes back to us, who have the keyboard, and that is soon enough for its modifiers.
     const std::uint8_t numLock = isOnKeypad(event.keyCode) ? modifiers_.numLock : 0;
+    if (type == XCB_KEY_PRESS) x_.remains().noteKey(*keycode, true);
     ownKeys_.push_back({fake(type, *keycode), static_cast<std::uint8_t>(wanted | numLock)});
     if (ownKeys_.size() > kMostPressesKept) ownKeys_.erase(ownKeys_.begin());
-    x_.flush();
+    x_.sync();
+    if (type == XCB_KEY_RELEASE) x_.remains().noteKey(*keycode, false);
     return true;
 }
 

@@ -30,7 +30,7 @@ X11KeyPoster::X11KeyPoster(X11Connection& connection, X11StandIns& standIns) : x
 }
 
 // Everything that changes what the applications see is sent in one burst and without waiting, so that it is over at
-// once and nothing of it stays when the process is killed.
+// once.
 void X11KeyPoster::post(std::uint8_t eventType, std::uint8_t keycode, std::uint8_t wanted, NumLock numLock,
                         const X11Modifiers& modifiers) {
     const ModifierState state = modifierStates(x_, {kMasterKeyboard}).front();
@@ -41,12 +41,18 @@ void X11KeyPoster::post(std::uint8_t eventType, std::uint8_t keycode, std::uint8
     const auto locks = static_cast<std::uint8_t>((wanted & ~state.held) | numLocked);
     const auto changed = static_cast<std::uint8_t>(locks ^ state.locked);
 
+    X11Remains& remains = x_.remains();
+    const std::uint32_t standing = remains.lockedModifiers;
+    remains.lockedModifiers = standing | (changed & locks);
+    if (eventType == XCB_KEY_PRESS) remains.noteKey(keycode, true);
     lift(keys, modifiers);
     lockModifiers(x_, changed, locks & changed);
     fake(eventType, keycode);
     lockModifiers(x_, changed, state.locked & changed);
     putBack(keys);
     x_.sync();  // whatever is locked or unlocked after this call stays so
+    if (eventType == XCB_KEY_RELEASE) remains.noteKey(keycode, false);
+    remains.lockedModifiers = standing;
     if (!keys.keyboards.empty()) standIns_.standIn(static_cast<std::uint8_t>(~modifiers.locks()));
 }
 

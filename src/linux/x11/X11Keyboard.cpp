@@ -1,5 +1,7 @@
 #include "linux/x11/X11Keyboard.h"
 
+#include <xcb/xtest.h>
+
 #include <algorithm>
 #include <chrono>
 #include <string>
@@ -18,8 +20,8 @@ using Handled = X11Connection::Handled;
 namespace {
 
 constexpr auto kRetryStep = std::chrono::milliseconds(10);
-constexpr int kTries = 31;                                  // 300 ms at most
-constexpr auto kBusyLimit = std::chrono::milliseconds(80);  // then a panel is taken to have missed its key
+constexpr int kTries = 31;                                   // 300 ms at most
+constexpr auto kBusyLimit = std::chrono::milliseconds(500);  // then a panel is taken to have missed its key
 
 constexpr std::uint32_t kKeyMask = XCB_INPUT_XI_EVENT_MASK_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_KEY_RELEASE;
 
@@ -62,7 +64,7 @@ bool X11Keyboard::takeKeyboard(std::uint32_t window, std::function<void()> lost)
     if (const auto answer = x_.reply<xcb_get_input_focus_reply>(focus)) taken.focus = answer->focus;
     if (const auto windows = x_.items(active); !windows.empty()) taken.activeWindow = windows.front();
     if (taken.focus > XCB_INPUT_FOCUS_POINTER_ROOT) taken.focusTop = childrenOfRoot(x_, {taken.focus}).front();
-    if (taken.way == Way::focus) takeFocus();
+    if (taken.way == Way::focus) takeFocus(taken);
     watchForLoss(taken, true);
     sendFocus(x_, window, PanelFocus::in);
     x_.flush();
@@ -122,7 +124,8 @@ bool X11Keyboard::grabWholeKeyboard() {
 }
 
 // A window of this connection gets the focus and not the panel, so that the monitor sees the keys first.
-void X11Keyboard::takeFocus() {
+void X11Keyboard::takeFocus(const Taken& taken) {
+    x_.remains().focus = taken.focus;
     if (focusWindow_ == XCB_WINDOW_NONE) {
         focusWindow_ = xcb_generate_id(x_.get());
         const std::uint32_t values[] = {
@@ -147,9 +150,13 @@ void X11Keyboard::watchForLoss(const Taken& taken, bool on) {
 
 void X11Keyboard::releaseKeyboard() {
     if (!taken_) return;
+    // The key that ends a search is being dealt with: what was typed after it is the application's.
+    const bool isEndedByKey = isOffering_ || (taken_->busySince && !x_.isHandingOut());
+    const bool passesOn = isEndedByKey && taken_->way == Way::eachKeyboard;
     if (taken_->way == Way::eachKeyboard) noteStates();
     const Taken taken = std::move(*taken_);
     taken_.reset();
+    busyLimit_.reset();
     panelKeys_.setPanel(0);
 
     X11KeyEvent up;
@@ -159,7 +166,12 @@ void X11Keyboard::releaseKeyboard() {
     }
     sendFocus(x_, taken.panel, PanelFocus::out);
     watchForLoss(taken, false);
+    // Other programs that post keys wait meanwhile, so that all keys come in their order.
+    if (passesOn) xcb_grab_server(x_.get());
+    const auto typedSince = passesOn ? keysSince(taken) : std::vector<X11KeyEvent>();
     endGrabs(taken);
+    passOn(typedSince);
+    if (passesOn) xcb_ungrab_server(x_.get());
     if (taken.way == Way::eachKeyboard) {
         const std::uint8_t changed = taken.locks.locked ^ taken.locksBefore.locked;
         lockModifiers(x_, changed, changed & taken.locks.locked);
@@ -167,6 +179,43 @@ void X11Keyboard::releaseKeyboard() {
         if (X11StandIns* standIns = panelKeys_.standIns()) standIns->standIn(modifiers_.four());
     }
     x_.flush();
+}
+
+// The presses that wait, and those that are still on their way to us; up to one that may be a hot key.
+std::vector<X11KeyEvent> X11Keyboard::keysSince(const Taken& taken) {
+    std::vector<X11KeyEvent> presses;
+    const auto commands = static_cast<std::uint8_t>(modifiers_.four() & ~modifiers_.shift);
+    bool isOver = false;
+    const auto add = [&](const X11KeyEvent& key) {
+        isOver = isOver || (key.isPress && (key.heldModifiers & commands) != 0);
+        const bool isTyped = key.isPress && !key.isRepeat && modifiers_.maskOfKey(key.keycode) == 0;
+        if (!isOver && isTyped) presses.push_back(key);
+        return !isOver;
+    };
+    for (const X11KeyEvent& key : taken.waiting) add(key);
+    x_.sync();
+    x_.takeArrived([&](const xcb_generic_event_t& event) {
+        const auto key = keyEventOf(x_, event);
+        return key && taken.states.contains(key->device) && add(*key);
+    });
+    return presses;
+}
+
+// Each with the modifiers that it had. Where it is still down it doesn't repeat.
+void X11Keyboard::passOn(const std::vector<X11KeyEvent>& keys) {
+    if (keys.empty()) return;
+    X11Remains& remains = x_.remains();
+    remains.lockedModifiers = modifiers_.four();
+    for (const X11KeyEvent& key : keys) {
+        remains.noteKey(key.keycode, true);
+        lockModifiers(x_, modifiers_.four(), key.heldModifiers & modifiers_.four());
+        xcb_test_fake_input(x_.get(), XCB_KEY_PRESS, key.keycode, XCB_CURRENT_TIME, XCB_WINDOW_NONE, 0, 0, 0);
+        xcb_test_fake_input(x_.get(), XCB_KEY_RELEASE, key.keycode, XCB_CURRENT_TIME, XCB_WINDOW_NONE, 0, 0, 0);
+    }
+    lockModifiers(x_, modifiers_.four(), 0);
+    x_.sync();
+    remains.lockedModifiers = 0;
+    for (const X11KeyEvent& key : keys) remains.noteKey(key.keycode, false);
 }
 
 void X11Keyboard::endGrabs(const Taken& taken) {
@@ -183,6 +232,8 @@ void X11Keyboard::endGrabs(const Taken& taken) {
             if (focus && focus->focus == focusWindow_)
                 xcb_set_input_focus(x_.get(), XCB_INPUT_FOCUS_POINTER_ROOT, taken.focus, XCB_CURRENT_TIME);
             xcb_unmap_window(x_.get(), focusWindow_);
+            x_.sync();
+            x_.remains().focus = XCB_WINDOW_NONE;
             return;
         }
     }
@@ -234,6 +285,16 @@ void X11Keyboard::processWaiting() {
         taken_->busySince.reset();
         process(key);
     }
+    waitForPanel();
+}
+
+void X11Keyboard::waitForPanel() {
+    if (!taken_ || taken_->waiting.empty()) return busyLimit_.reset();
+    if (!busyLimit_)
+        busyLimit_ = x_.after(kBusyLimit, [this] {
+            busyLimit_.reset();
+            processWaiting();
+        });
 }
 
 void X11Keyboard::readyForKeyPress() {
@@ -269,8 +330,10 @@ bool X11Keyboard::isConsumed(const X11KeyEvent& key) {
     const auto keyCode = keyCodeOfX11(key.keycode);
     if (!keyCode) return false;
     const std::uint32_t since = taken_->since;
+    isOffering_ = true;
     const Verdict verdict =
         panelKeys_.offer({KeyEventType::keyDown, *keyCode, modifiers_.eventFlags(modifiersOf(key))});
+    isOffering_ = false;
     return verdict == Verdict::consume || !taken_ || taken_->since != since;
 }
 

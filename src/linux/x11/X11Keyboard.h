@@ -68,15 +68,18 @@ private:
     bool grabEachKeyboard(Taken& taken);
     bool grabKeyboards(Taken& taken, const std::vector<std::uint16_t>& devices);
     bool grabWholeKeyboard();
-    void takeFocus();
+    void takeFocus(const Taken& taken);
     void watchForLoss(const Taken& taken, bool on);
     void endGrabs(const Taken& taken);
+    std::vector<X11KeyEvent> keysSince(const Taken& taken);
+    void passOn(const std::vector<X11KeyEvent>& keys);
 
     X11Connection::Handled handle(const xcb_generic_event_t& event);
     X11Connection::Handled handleKey(const X11KeyEvent& key);
     void process(const X11KeyEvent& key);
     void processWaiting();
     bool panelIsBusy() const;
+    void waitForPanel();
     bool isConsumed(const X11KeyEvent& key);
     void forward(const X11KeyEvent& key);
     std::uint8_t modifiersOf(const X11KeyEvent& key) const;
@@ -97,8 +100,9 @@ private:
     X11Modifiers modifiers_;
     X11Stacking stacking_;
     std::optional<Taken> taken_;
+    bool isOffering_ = false;                     // a key press to the monitor
     xcb_window_t focusWindow_ = XCB_WINDOW_NONE;  // gets the keys of the last way; made when first needed
-    Subscription events_, buttonPresses_;
+    Subscription events_, buttonPresses_, busyLimit_;
 };
 
 }  // namespace tarvix

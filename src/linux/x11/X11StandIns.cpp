@@ -7,6 +7,12 @@
 
 namespace tarvix {
 
+namespace {
+
+constexpr auto kSuspension = std::chrono::seconds(1);
+
+}
+
 X11StandIns::X11StandIns(X11Connection& connection) : x_(connection) {
     events_ = x_.onEvent([this](const xcb_generic_event_t& event) {
         if (modifiers_ != 0 && asXInput(x_, event, {XCB_INPUT_RAW_KEY_RELEASE})) check();
@@ -22,7 +28,10 @@ X11StandIns::~X11StandIns() {
 }
 
 void X11StandIns::standIn(std::uint8_t mask) {
-    if (isSuspended_) return;
+    if (isSuspended_) {
+        wantedLater_ = mask;
+        return;
+    }
     const auto keyboards = readKeyboards(x_);
     const std::uint8_t held = modifiersHeldOn(x_, keyboards.all()) & mask;
     if (held != 0 && modifiers_ == 0) {
@@ -37,17 +46,31 @@ void X11StandIns::clear() { set(0); }
 void X11StandIns::suspend() {
     clear();
     isSuspended_ = true;
+    wantedLater_ = 0;
+    suspension_ = x_.after(kSuspension, [this] {
+        const std::uint8_t wanted = wantedLater_;
+        resume();
+        standIn(wanted);
+    });
+}
+
+void X11StandIns::resume() {
+    isSuspended_ = false;
+    wantedLater_ = 0;
+    suspension_.reset();
 }
 
 void X11StandIns::check() { set(modifiers_ & modifiersHeldOn(x_, readKeyboards(x_).all())); }
 
 void X11StandIns::set(std::uint8_t modifiers) {
     if (modifiers == modifiers_) return;
+    x_.remains().lockedModifiers = modifiers_ | modifiers;
     lockModifiers(x_, static_cast<std::uint8_t>(modifiers_ & ~modifiers), 0);
     lockModifiers(x_, modifiers, modifiers);
     modifiers_ = modifiers;
     if (modifiers_ == 0) keyReleases_.reset();
-    x_.flush();
+    x_.sync();
+    x_.remains().lockedModifiers = modifiers_;
 }
 
 }  // namespace tarvix

@@ -23,9 +23,9 @@ public:
     void clear();
     // Ends them all, and there are none until resume(). A window manager may hold a click back for a moment, and the
     // application then gets it with the modifiers of that later time; so a click that is to have none needs none for a
-    // while.
+    // while; those that are wanted meanwhile and still held come after a second.
     void suspend();
-    void resume() { isSuspended_ = false; }
+    void resume();
 
 private:
     void check();
@@ -34,7 +34,8 @@ private:
     X11Connection& x_;
     std::uint8_t modifiers_ = 0;
     bool isSuspended_ = false;
-    Subscription events_, keyReleases_;
+    std::uint8_t wantedLater_ = 0;
+    Subscription events_, keyReleases_, suspension_;
 };
 
 }  // namespace tarvix

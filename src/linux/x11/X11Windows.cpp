@@ -19,12 +19,17 @@ namespace {
 constexpr std::uint32_t kIconicState = 3;  // of WM_STATE
 constexpr std::string_view kTypePrefix = "_NET_WM_WINDOW_TYPE_";
 
-// The requests about one window, all on their way before the first reply is read.
-struct Asked {
-    xcb_window_t number;
+// The requests about where a window stands.
+struct AskedPlace {
     xcb_get_window_attributes_cookie_t attributes;
     xcb_get_geometry_cookie_t geometry;
     xcb_translate_coordinates_cookie_t origin;
+};
+
+// The requests about one window, all on their way before the first reply is read.
+struct Asked {
+    xcb_window_t number;
+    AskedPlace place;
     xcb_get_property_cookie_t netName, name, windowClass, gtkExtents, extents, type, state, wmState, pid,
         gtkApplicationId;
     xcb_res_query_client_ids_cookie_t clientIds;
@@ -42,6 +47,8 @@ std::optional<X11Window::Extents> extentsOf(const std::vector<std::uint32_t>& it
     return X11Window::Extents{at(0), at(1), at(2), at(3)};
 }
 
+// What was read of the active window stays until an event says that it has changed. The server sends an event before it
+// answers what is asked later, so one round trip brings all that has happened by then.
 class Reader final : public X11Windows {
 public:
     explicit Reader(std::unique_ptr<X11Connection> connection) : x_(std::move(connection)) {
@@ -52,21 +59,31 @@ public:
         if (!x_->extension(xcb_res_id)) return;
         const auto version = x_->reply<xcb_res_query_version_reply>(xcb_res_query_version(x_->get(), 1, 2));
         hasClientIds_ = version && version->server_major * 100 + version->server_minor >= 102;
+        events_ = x_->onEvent([this](const xcb_generic_event_t& event) {
+            forgetWhatChanged(event);
+            return X11Connection::Handled::no;
+        });
+        x_->selectOnRoot(XCB_EVENT_MASK_PROPERTY_CHANGE);
     }
 
     std::optional<X11Window> active() override {
         const std::lock_guard lock(mutex_);
-        if (!hasWindowManager(*x_)) return activeByFocus();
-        const auto active = x_->items(x_->root(), "_NET_ACTIVE_WINDOW");
+        const auto asked = x_->askProperty(x_->root(), "_NET_ACTIVE_WINDOW");
+        const auto place = askPlace(kept_.window.number);
+        const auto active = x_->items(asked);
+        const auto keptNow = takeKept(place);
+        if (!isManaged()) return activeByFocus();
         if (active.empty() || active.front() == XCB_WINDOW_NONE) return std::nullopt;
         // A window manager may go on naming a window that has been withdrawn.
-        auto seen = take(ask(active.front()));
+        auto seen = keptNow && active.front() == keptNow->window.number ? keptNow : readAndKeep(active.front());
         if (!seen || !seen->isViewable) return std::nullopt;
         return std::move(seen->window);
     }
 
     std::optional<X11Window> window(std::uint32_t number) override {
         const std::lock_guard lock(mutex_);
+        if (isKept_ && number == kept_.window.number)
+            if (auto seen = takeKept(askPlace(number))) return std::move(seen->window);
         return readOne(number);
     }
 
@@ -76,13 +93,17 @@ public:
     }
 
 private:
+    AskedPlace askPlace(xcb_window_t number) {
+        xcb_connection_t* c = x_->get();
+        return {xcb_get_window_attributes(c, number), xcb_get_geometry(c, number),
+                xcb_translate_coordinates(c, number, x_->root(), 0, 0)};
+    }
+
     Asked ask(xcb_window_t number) {
         xcb_connection_t* c = x_->get();
         const xcb_res_client_id_spec_t whose{number, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
         return {number,
-                xcb_get_window_attributes(c, number),
-                xcb_get_geometry(c, number),
-                xcb_translate_coordinates(c, number, x_->root(), 0, 0),
+                askPlace(number),
                 x_->askProperty(number, "_NET_WM_NAME"),
                 x_->askProperty(number, "WM_NAME"),
                 x_->askProperty(number, "WM_CLASS"),
@@ -98,10 +119,8 @@ private:
 
     // Every reply is taken, also those about a window that has gone.
     std::optional<Seen> take(const Asked& asked) {
-        const auto attributes = x_->reply<xcb_get_window_attributes_reply>(asked.attributes);
-        const auto geometry = x_->reply<xcb_get_geometry_reply>(asked.geometry);
-        const auto origin = x_->reply<xcb_translate_coordinates_reply>(asked.origin);
         Seen seen;
+        const bool isThere = takePlace(asked.place, seen);
         X11Window& w = seen.window;
         w.number = asked.number;
         const auto netName = x_->text(asked.netName);
@@ -114,13 +133,76 @@ private:
         for (const xcb_atom_t type : x_->items(asked.type)) w.types.push_back(typeName(type));
         takeState(x_->items(asked.state), x_->items(asked.wmState), w);
         w.pid = takePid(asked);
-        if (!attributes || !geometry || !origin) return std::nullopt;
-        w.client = {{static_cast<double>(origin->dst_x), static_cast<double>(origin->dst_y)},
-                    {static_cast<double>(geometry->width), static_cast<double>(geometry->height)}};
-        w.isOverrideRedirect = attributes->override_redirect != 0;
+        return isThere ? std::optional(std::move(seen)) : std::nullopt;
+    }
+
+    // False when the window has gone.
+    bool takePlace(const AskedPlace& asked, Seen& seen) {
+        const auto attributes = x_->reply<xcb_get_window_attributes_reply>(asked.attributes);
+        const auto geometry = x_->reply<xcb_get_geometry_reply>(asked.geometry);
+        const auto origin = x_->reply<xcb_translate_coordinates_reply>(asked.origin);
+        if (!attributes || !geometry || !origin) return false;
+        seen.window.client = {{static_cast<double>(origin->dst_x), static_cast<double>(origin->dst_y)},
+                              {static_cast<double>(geometry->width), static_cast<double>(geometry->height)}};
+        seen.window.isOverrideRedirect = attributes->override_redirect != 0;
         seen.isViewable = attributes->map_state == XCB_MAP_STATE_VIEWABLE;
         seen.isInputOnly = attributes->_class == XCB_WINDOW_CLASS_INPUT_ONLY;
+        return true;
+    }
+
+    // The kept window with its place anew; absent when what is kept doesn't hold any more.
+    std::optional<Seen> takeKept(const AskedPlace& asked) {
+        Seen now = kept_;
+        const bool isThere = takePlace(asked, now);
+        x_->handOutArrived();
+        if (!isThere) isKept_ = false;
+        return isKept_ ? std::optional(std::move(now)) : std::nullopt;
+    }
+
+    std::optional<Seen> readAndKeep(xcb_window_t number) {
+        if (kept_.window.number != number) {
+            selectOn(kept_.window.number, XCB_EVENT_MASK_NO_EVENT);
+            selectOn(number, XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY);
+        }
+        auto seen = take(ask(number));
+        x_->handOutArrived();  // of the time before the reading
+        kept_ = seen.value_or(Seen{});
+        isKept_ = seen.has_value();
         return seen;
+    }
+
+    void selectOn(xcb_window_t window, std::uint32_t mask) {
+        if (window != XCB_WINDOW_NONE) xcb_change_window_attributes(x_->get(), window, XCB_CW_EVENT_MASK, &mask);
+    }
+
+    void forgetWhatChanged(const xcb_generic_event_t& event) {
+        const int type = event.response_type & 0x7f;
+        if (type == XCB_PROPERTY_NOTIFY) {
+            const auto& changed = reinterpret_cast<const xcb_property_notify_event_t&>(event);
+            if (changed.window == kept_.window.number) isKept_ = false;
+            if (changed.atom == x_->atom("_NET_SUPPORTING_WM_CHECK")) isManaged_.reset();
+        } else if (type == XCB_DESTROY_NOTIFY) {
+            const xcb_window_t gone = reinterpret_cast<const xcb_destroy_notify_event_t&>(event).window;
+            if (gone == kept_.window.number)
+                kept_ = Seen{}, isKept_ = false;  // the number may come to stand for another
+            if (gone == managersWindow_) isManaged_.reset();
+        }
+    }
+
+    bool isManagedNow() {
+        x_->sync();
+        x_->handOutArrived();
+        return isManaged();
+    }
+
+    // Whether a window manager is there; looked up again when its window has gone or its property has changed.
+    bool isManaged() {
+        if (isManaged_) return *isManaged_;
+        const auto check = x_->items(x_->root(), "_NET_SUPPORTING_WM_CHECK");
+        managersWindow_ = check.empty() ? xcb_window_t{XCB_WINDOW_NONE} : check.front();
+        selectOn(managersWindow_, XCB_EVENT_MASK_STRUCTURE_NOTIFY);
+        isManaged_ = hasWindowManager(*x_);
+        return *isManaged_;
     }
 
     static void takeClass(const std::string& property, X11Window& w) {
@@ -183,7 +265,7 @@ private:
     }
 
     std::vector<X11Window> frontToBack() {
-        const auto clients = hasWindowManager(*x_) ? clientWindows() : std::vector<xcb_window_t>{};
+        const auto clients = isManagedNow() ? clientWindows() : std::vector<xcb_window_t>{};
         const auto frames = childrenOfRoot(*x_, clients);
         std::multimap<xcb_window_t, xcb_window_t> clientsOf;
         for (std::size_t i = 0; i < clients.size(); ++i) clientsOf.emplace(frames[i], clients[i]);
@@ -229,6 +311,11 @@ private:
     std::mutex mutex_;
     std::unique_ptr<X11Connection> x_;
     bool hasClientIds_ = false;
+    Seen kept_;
+    bool isKept_ = false;
+    std::optional<bool> isManaged_;
+    xcb_window_t managersWindow_ = XCB_WINDOW_NONE;
+    Subscription events_;
 };
 
 }  // namespace

@@ -62,6 +62,7 @@ std::optional<RunningApplication> X11Workspace::frontmostApplication() {
 std::optional<RunningApplication> X11Workspace::runningApplication(std::int32_t pid) {
     if (pid == kDesktop.processIdentifier) return kDesktop;
     if (!processIsAlive(pid)) return std::nullopt;
+    if (const auto active = windows_.active(); active && active->pid == pid) return describe(pid, &*active);
     const auto windows = windows_.onScreen();
     const auto own = std::ranges::find(windows, pid, &X11Window::pid);
     return describe(pid, own == windows.end() ? nullptr : &*own);
@@ -83,6 +84,19 @@ std::optional<DesktopEntry> X11Workspace::entryOf(std::int32_t pid, const X11Win
 }
 
 RunningApplication X11Workspace::describe(std::int32_t pid, const X11Window* window) {
+    if (!window) return look(pid, nullptr);
+    const Names names{pid, window->number, window->windowClass, window->windowInstance, window->gtkApplicationId};
+    {
+        const std::lock_guard lock(mutex_);
+        if (names == describedBy_) return described_;
+    }
+    const RunningApplication found = look(pid, window);
+    const std::lock_guard lock(mutex_);
+    describedBy_ = names;
+    return described_ = found;
+}
+
+RunningApplication X11Workspace::look(std::int32_t pid, const X11Window* window) {
     const auto entry = entryOf(pid, window);
     const std::string program = programName(pid);
     const std::string windowClass = window ? window->windowClass : "";

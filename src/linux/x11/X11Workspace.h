@@ -1,8 +1,10 @@
 // The applications that run on the desktop.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -43,12 +45,26 @@ private:
     void activeWindowChanged();
     // What is installed as the owner of a process and of one of its windows, if it has any.
     std::optional<DesktopEntry> entryOf(std::int32_t pid, const X11Window* window);
+    RunningApplication look(std::int32_t pid, const X11Window* window);
+    // The same, from memory where the last answer was about the same window: looking takes a millisecond, and a search
+    // asks for the frontmost application again and again.
     RunningApplication describe(std::int32_t pid, const X11Window* window);
+
+    // What decides which application it is.
+    struct Names {
+        std::int32_t pid = -1;
+        std::uint32_t window = 0;
+        std::string windowClass, windowInstance, gtkApplicationId;
+        friend bool operator==(const Names&, const Names&) = default;
+    };
 
     X11Connection& x_;
     X11Windows& windows_;
     DesktopEntries entries_;
     ScreenReader screenReader_;
+    std::mutex mutex_;  // guards the next two
+    Names describedBy_;
+    RunningApplication described_;
     std::optional<RunningApplication> lastActivated_;
     Listeners<const RunningApplication&> activated_;
     Subscription events_;
