@@ -1,5 +1,7 @@
 #include "qt/InputField.h"
 
+#include <QGuiApplication>
+#include <QInputMethod>
 #include <QKeyEvent>
 #include <QStyle>
 #include <QStyleFactory>
@@ -47,7 +49,14 @@ QString InputField::shownText() const {
     return shown.insert(cursorPosition(), composing_);
 }
 
+void InputField::dropComposition() {
+    QGuiApplication::inputMethod()->reset();
+    QInputMethodEvent nothing;
+    inputMethodEvent(&nothing);
+}
+
 void InputField::keyPressEvent(QKeyEvent* event) {
+    if (onKey) onKey();
     if (event->key() == Qt::Key_Escape) {
         if (onCancel) onCancel();
         return;
@@ -64,6 +73,8 @@ void InputField::keyPressEvent(QKeyEvent* event) {
 }
 
 void InputField::inputMethodEvent(QInputMethodEvent* event) {
+    // The last of it may come when the search is over, and isn't for the next one.
+    if (!isVisible()) return;
     composing_ = event->preeditString();
     QLineEdit::inputMethodEvent(event);
     if (onComposing) onComposing();

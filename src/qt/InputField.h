@@ -14,10 +14,13 @@ public:
 
     // What the field shows: its text with what an input method is composing at the caret.
     QString shownText() const;
+    // Forgets what an input method is composing.
+    void dropComposition();
 
     std::function<void()> onEdited;     // the user changed the text; not by setText()
     std::function<void()> onComposing;  // shownText() may have changed while the text hasn't
     std::function<void()> onCancel;     // the cancel key
+    std::function<void()> onKey;        // a key press that no input method has kept
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;

@@ -12,6 +12,7 @@
 #include "base/Listeners.h"
 #include "qt/Appearance.h"
 #include "qt/InputField.h"
+#include "qt/KeyPace.h"
 #include "qt/ProgressSpinner.h"
 #include "qt/ServerSync.h"
 
@@ -106,15 +107,12 @@ public:
 
     std::function<void(QPoint by)> onDragged;
     std::function<void()> onPainted;
-    std::function<void()> onKeyPress;  // one has been dealt with, whatever came of it
+    std::function<void()> onKeyPress;  // one is on its way into the field
 
 protected:
-    // Queued: this one is on its way into the field, and arrives before anything that is queued now. Seen here and not
-    // as an event of the field, since a dead key or an input method may keep it.
+    // Seen here and not as an event of the field, since a dead key or an input method may keep it.
     bool nativeEvent(const QByteArray& type, void* message, qintptr* result) override {
-        if ((static_cast<const xcb_generic_event_t*>(message)->response_type & 0x7f) == XCB_KEY_PRESS)
-            QMetaObject::invokeMethod(
-                this, [this] { onKeyPress(); }, Qt::QueuedConnection);
+        if ((static_cast<const xcb_generic_event_t*>(message)->response_type & 0x7f) == XCB_KEY_PRESS) onKeyPress();
         return QWidget::nativeEvent(type, message, result);
     }
 
@@ -202,11 +200,16 @@ class QtInputPanel : public InputPanel {
 public:
     explicit QtInputPanel(const PanelServices& services) : services_(services) {
         window_.field().onEdited = [this] { edited(); };
-        window_.field().onComposing = [this] { remeasure(); };
+        window_.field().onKey = [this] { pace_.typed(); };
+        window_.field().onComposing = [this] {
+            pace_.composed();
+            remeasure();
+        };
         window_.field().onCancel = [this] { cancelled_(); };
         window_.onDragged = [this](QPoint by) { dragged(by); };
         window_.onPainted = [this] { painted(); };
-        window_.onKeyPress = [this] { services_.windowing.readyForKeyPress(); };
+        window_.onKeyPress = [this] { pace_.pressed(); };
+        pace_.onDealtWith = [this] { services_.windowing.readyForKeyPress(); };
         window_.setLook(look_);
         setFrame({});
         remeasure();
@@ -244,6 +247,7 @@ public:
         const bool wasVisible = window_.isVisible();
         if (hasKeyboard_) services_.windowing.releaseKeyboard();
         hasKeyboard_ = false;
+        if (wasVisible) window_.field().dropComposition();
         window_.hide();
         syncWithServer();  // a click posted next must find the panel gone
         if (wasVisible) services_.milestones.reached(milestone::inputHidden, 0);
@@ -321,6 +325,7 @@ private:
 
     PanelServices services_;
     InputWindow window_;
+    KeyPace pace_;
     InputLook look_;
     PanelRect frame_;
     double measuredWidth_ = 0;
