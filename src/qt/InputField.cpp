@@ -53,6 +53,7 @@ void InputField::dropComposition() {
     QGuiApplication::inputMethod()->reset();
     QInputMethodEvent nothing;
     inputMethodEvent(&nothing);
+    isComposable_ = false;
 }
 
 void InputField::keyPressEvent(QKeyEvent* event) {
@@ -73,8 +74,7 @@ void InputField::keyPressEvent(QKeyEvent* event) {
 }
 
 void InputField::inputMethodEvent(QInputMethodEvent* event) {
-    // The last of it may come when the search is over, and isn't for the next one.
-    if (!isVisible()) return;
+    if (!isComposable_) return;
     composing_ = event->preeditString();
     QLineEdit::inputMethodEvent(event);
     if (onComposing) onComposing();

@@ -14,8 +14,10 @@ public:
 
     // What the field shows: its text with what an input method is composing at the caret.
     QString shownText() const;
-    // Forgets what an input method is composing.
+    // Forgets what an input method is composing, and what it may still hand over of it until the next key.
     void dropComposition();
+    // A key is on its way into the field.
+    void keyComes() { isComposable_ = true; }
 
     std::function<void()> onEdited;     // the user changed the text; not by setText()
     std::function<void()> onComposing;  // shownText() may have changed while the text hasn't
@@ -28,6 +30,7 @@ protected:
 
 private:
     QString composing_;
+    bool isComposable_ = false;
 };
 
 }  // namespace tarvix

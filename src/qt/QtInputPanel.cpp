@@ -208,7 +208,10 @@ public:
         window_.field().onCancel = [this] { cancelled_(); };
         window_.onDragged = [this](QPoint by) { dragged(by); };
         window_.onPainted = [this] { painted(); };
-        window_.onKeyPress = [this] { pace_.pressed(); };
+        window_.onKeyPress = [this] {
+            window_.field().keyComes();
+            pace_.pressed();
+        };
         pace_.onDealtWith = [this] { services_.windowing.readyForKeyPress(); };
         window_.setLook(look_);
         setFrame({});

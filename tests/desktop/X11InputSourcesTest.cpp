@@ -2,10 +2,12 @@
 #include <linux/input-event-codes.h>
 #include <xcb/xtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <string>
 #include <vector>
 
+#include "keys/KeyCombination.h"
 #include "keys/Sauce.h"
 #include "linux/x11/EvdevKeyCodes.h"
 #include "linux/x11/X11InputSources.h"
@@ -212,6 +214,57 @@ TEST_F(X11InputSourcesTest, TheSelectedGroupIsFollowed) {
     settle(0);
     EXPECT_EQ(sources->currentKeyboardLayout().id, "us");
     EXPECT_EQ(selectedChanges, before + 2);
+}
+
+TEST_F(X11InputSourcesTest, TheKeysAreToldToHaveChangedWhereTheTablesDiffer) {
+    setLayouts("us,us,ru", ",dvorak,", {"us", "us(dvorak)", "ru"});
+    Sauce sauce(*sources);
+    std::vector<std::string> posted;
+    const auto token = sauce.layout.onNotification([&](std::string_view name) { posted.emplace_back(name); });
+    const std::string selected = "SauceSelectedKeyboardInputSourceChanged",
+                      keys = "SauceSelectedKeyboardKeyCodesChanged";
+    settle(1);
+    EXPECT_EQ(posted, (std::vector<std::string>{selected, keys}));
+    EXPECT_EQ(sauce.keyCodeForKey(Key::d), 4);
+    settle(2);
+    settle(0);
+    EXPECT_EQ(posted, (std::vector<std::string>{selected, keys, selected, keys, selected, keys}));
+    setLayouts("us", "altgr-intl", {"us(altgr-intl)"});
+    EXPECT_EQ(std::ranges::count(posted, "SauceEnabledKeyboardInputSourcesChanged"), enabledChanges - 1);
+}
+
+TEST_F(X11InputSourcesTest, TwoLayoutsWithOneTableAreOneTableToTheKeys) {
+    // The same but for what Shift and the third level type.
+    setLayouts("us,us", ",symbolic", {"us", "us(symbolic)"});
+    Sauce sauce(*sources);
+    std::vector<std::string> posted;
+    const auto token = sauce.layout.onNotification([&](std::string_view name) { posted.emplace_back(name); });
+    settle(1);
+    EXPECT_EQ(posted, std::vector<std::string>{"SauceSelectedKeyboardInputSourceChanged"});
+}
+
+TEST_F(X11InputSourcesTest, TwoSourcesOfOneNameAreToldApart) {
+    setLayouts("us,ru", "", {"us", "ru"});
+    setRulesNames("us,us", "");
+    ASSERT_TRUE(loop.runUntil([&] { return ids() == (Ids{"us", "us 2"}); })) << testing::PrintToString(ids());
+    EXPECT_EQ(sources->translate(sources->enabled()[1], 2, 0), "в");
+    settle(1);
+    EXPECT_EQ(sources->currentKeyboardLayout().id, "us 2");
+}
+
+TEST_F(X11InputSourcesTest, WhatAnEventTypesIsThatOfTheSelectedLayout) {
+    setLayouts("us,de", "", {"us", "de"});
+    EXPECT_EQ(sources->characters(24, 0), "=");
+    settle(1);
+    EXPECT_EQ(sources->characters(24, 0), "") << "a dead key waits for a letter";
+    EXPECT_EQ(sources->characters(24, eventFlag::command), "´");
+    EXPECT_EQ(sources->characters(12, eventFlag::option), "@");
+    EXPECT_EQ(sources->characters(12, eventFlag::option | eventFlag::shift), "Ω");
+    EXPECT_EQ(sources->characters(12, eventFlag::shift | eventFlag::control), "Q");
+    EXPECT_EQ(sources->characters(36, 0), "\r");
+    EXPECT_EQ(sources->characters(49, 0), " ");
+    EXPECT_EQ(sources->characters(122, 0), std::nullopt);
+    EXPECT_EQ(KeyCombination(Key::caret).character(Sauce(*sources)), "^");
 }
 
 TEST_F(X11InputSourcesTest, AnotherSetOfLayoutsIsTold) {

@@ -193,6 +193,13 @@ std::vector<InputSourceInfo> X11InputSources::sourcesOf(const Keyboard& keyboard
         const char* name = xkb_keymap_layout_get_name(keyboard.keymap.get(), static_cast<xkb_layout_index_t>(group));
         if (name) source.localizedName = name;
         source.id = !ids.empty() ? ids[group] : name ? name : "group " + std::to_string(group + 1);
+        // A layout may stand there twice.
+        const std::string plain = source.id;
+        const auto isTaken = [&] {
+            return std::any_of(sources.begin(), sources.begin() + static_cast<std::ptrdiff_t>(group),
+                               [&](const InputSourceInfo& other) { return other.id == source.id; });
+        };
+        for (int number = 2; isTaken(); ++number) source.id = plain + " " + std::to_string(number);
         source.isASCIICapable = typesLatin(keyboard, group);
         source.isEnableCapable = source.isSelectCapable = source.isEnabled = source.hasLayoutData = true;
     }
