@@ -3,7 +3,9 @@
 #include <utility>
 
 #include "KeyboardShortcuts/CarbonKeyboardShortcuts.h"
+#include "linux/x11/EvdevKeyCodes.h"
 #include "linux/x11/X11HotKeys.h"
+#include "tests/contract/HotKeysContract.h"
 #include "tests/desktop/X11Desk.h"
 
 namespace tarvix {
@@ -463,6 +465,66 @@ TEST_F(X11ShortcutsOnDesktop, WhatAnEndedProgramHeldIsServedOnceHoweverLongTheKe
     releasePosted();
     EXPECT_EQ(takeServed(), downAndUp);
 }
+
+// The contract --------------------------------------------------------------------------------------------------------
+
+// Another program and the hardware beside the service.
+struct HotKeysWorld {
+    HotKeysWorld() { connection->watch(loop); }
+
+    static unsigned maskOf(std::uint32_t carbon) {
+        return X11Modifiers().maskOfCarbon(carbon);  // at the usual bits
+    }
+    static std::vector<std::uint8_t> keysOf(std::uint32_t carbon) {
+        std::vector<std::uint8_t> keys;
+        if ((carbon & 0x1000) != 0) keys.push_back(key::control);
+        if ((carbon & 0x800) != 0) keys.push_back(key::alt);
+        if ((carbon & 0x200) != 0) keys.push_back(key::shift);
+        if ((carbon & 0x100) != 0) keys.push_back(key::super);
+        return keys;
+    }
+    void press(std::uint32_t keyCode, std::uint32_t modifiers) {
+        auto keys = keysOf(modifiers);
+        keys.push_back(*x11OfKeyCode(keyCode));
+        for (const std::uint8_t each : keys) hardware.keyDown(each);
+        settle();
+        for (auto each = keys.rbegin(); each != keys.rend(); ++each) hardware.keyUp(*each);
+        settle();
+    }
+    void settle() {
+        for (int rounds = 0; rounds < 2; ++rounds) {
+            connection->sync();
+            loop.runPending();
+        }
+        connection->sync();
+    }
+    void takeByOther(std::uint32_t keyCode, std::uint32_t modifiers) {
+        EXPECT_EQ(other->errorOf(xcb_grab_key_checked(
+                      other->get(), 0, other->root(), static_cast<std::uint16_t>(maskOf(modifiers)),
+                      *x11OfKeyCode(keyCode), XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC)),
+                  0);
+    }
+    void letGo() {
+        xcb_ungrab_key(other->get(), XCB_GRAB_ANY, other->root(), XCB_MOD_MASK_ANY);
+        other->sync();
+    }
+
+    PollLoop loop;
+    std::unique_ptr<X11Connection> connection = std::move(X11Connection::open().value());
+    std::unique_ptr<X11HotKeys> hotKeys = std::move(X11HotKeys::open(*connection).value());
+    std::unique_ptr<X11Connection> other = std::move(X11Connection::open().value());
+    Hardware hardware;
+};
+
+HotKeysSubject onX11() {
+    auto world = std::make_shared<HotKeysWorld>();
+    HotKeysWorld& in = *world;
+    return {world, *in.hotKeys, [&in](std::uint32_t keyCode, std::uint32_t modifiers) { in.press(keyCode, modifiers); },
+            [&in](std::uint32_t keyCode, std::uint32_t modifiers) { in.takeByOther(keyCode, modifiers); },
+            [&in] { in.letGo(); }};
+}
+
+INSTANTIATE_TEST_SUITE_P(X11HotKeys, HotKeysContract, testing::Values(onX11));
 
 }  // namespace
 }  // namespace tarvix
