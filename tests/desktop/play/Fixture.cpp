@@ -81,6 +81,14 @@ std::string Fixture::keys() const {
     return keys;
 }
 
+std::vector<std::string> Fixture::journal() const {
+    std::vector<std::string> lines;
+    std::ifstream file(folder_.file("clicks.journal"));
+    for (std::string line; std::getline(file, line);)
+        if (!file.eof()) lines.push_back(line);  // a line without its end is still being written
+    return lines;
+}
+
 std::vector<std::string> Fixture::menus() const {
     std::vector<std::string> menus;
     for (const FixtureClick& line : log())

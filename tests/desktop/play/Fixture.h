@@ -67,6 +67,8 @@ public:
     std::vector<FixtureClick> clicks() const;
     // The key presses that reached the window so far, one after the other; of fixtures that log them.
     std::string keys() const;
+    // What happened to it so far, as fixtures/journal.py says; of fixtures that were started with "journal".
+    std::vector<std::string> journal() const;
     // What its menus did so far: "opened", "closed"; of fixtures that log it.
     std::vector<std::string> menus() const;
     // How far its scroller is scrolled, in pixels; of fixtures that log it.

@@ -45,6 +45,16 @@ void Keyboard::chord(const std::vector<std::uint32_t>& keysyms) {
     sync();
 }
 
+void Keyboard::hold(const std::vector<std::uint32_t>& keysyms) {
+    for (const std::uint32_t keysym : keysyms) post(XCB_KEY_PRESS, find(keysym).code);
+    sync();
+}
+
+void Keyboard::release(const std::vector<std::uint32_t>& keysyms) {
+    for (const std::uint32_t keysym : keysyms) post(XCB_KEY_RELEASE, find(keysym).code);
+    sync();
+}
+
 void Keyboard::type(std::string_view text) {
     const std::uint8_t shift = find(keysym::shift).code;
     for (const char character : text) {

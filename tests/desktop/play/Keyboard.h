@@ -13,6 +13,7 @@ namespace tarvix {
 namespace keysym {
 inline constexpr std::uint32_t shift = 0xffe1, control = 0xffe3, alt = 0xffe9, super = 0xffeb;
 inline constexpr std::uint32_t returnKey = 0xff0d, escape = 0xff1b, tab = 0xff09, space = 0x20;
+inline constexpr std::uint32_t keypadEnter = 0xff8d;
 inline constexpr std::uint32_t home = 0xff50, up = 0xff52, down = 0xff54, end = 0xff57;
 }  // namespace keysym
 
@@ -30,6 +31,9 @@ public:
 
     // Presses keys one after the other and releases them in the opposite order; returns when the server has them.
     void chord(const std::vector<std::uint32_t>& keysyms);
+    // Only the presses, and only the releases, in this order.
+    void hold(const std::vector<std::uint32_t>& keysyms);
+    void release(const std::vector<std::uint32_t>& keysyms);
     // Printable ASCII on the present layout.
     void type(std::string_view text);
 
