@@ -9,10 +9,13 @@
 
 namespace tarvix {
 
+class AfterTheInput;
+
 struct PanelServices {
     PanelWindowing& windowing;
     Screens& screens;
     Milestones& milestones;
+    AfterTheInput* afterTheInput = nullptr;  // without it everything is shown at once
 };
 
 // The height that flips between the two coordinate planes; 0 while there is no screen at all.

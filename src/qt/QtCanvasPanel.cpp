@@ -5,6 +5,8 @@
 #include <QWidget>
 #include <QWindow>
 
+#include "base/Subscription.h"
+#include "qt/AfterTheInput.h"
 #include "qt/MarkerPainting.h"
 #include "qt/ServerSync.h"
 
@@ -136,16 +138,16 @@ public:
     PanelRect frame() const override { return frame_; }
 
     void orderFrontRegardless() override {
-        window_.setTranslucent(services_.windowing.isComposited());
-        if (!window_.isVisible()) {
-            if (content_) window_.showMarkers(content_());
-            window_.show();
-            syncWithServer();
+        const bool mayWait = services_.afterTheInput && !window_.isVisible() && (!content_ || content_().empty());
+        if (mayWait) {
+            showing_ = services_.afterTheInput->run([this] { comeToFront(); });
+        } else {
+            comeToFront();
         }
-        services_.windowing.stackOnTop(static_cast<std::uint32_t>(window_.winId()));
     }
 
     void orderOut() override {
+        showing_.reset();
         window_.hide();
         syncWithServer();
     }
@@ -160,6 +162,17 @@ public:
     void setContent(std::function<std::vector<MarkerDrawing>()> content) override { content_ = std::move(content); }
 
 private:
+    void comeToFront() {
+        showing_.reset();
+        window_.setTranslucent(services_.windowing.isComposited());
+        if (!window_.isVisible()) {
+            if (content_) window_.showMarkers(content_());
+            window_.show();
+            syncWithServer();
+        }
+        services_.windowing.stackOnTop(static_cast<std::uint32_t>(window_.winId()));
+    }
+
     void display() {
         needsDisplay_ = false;
         if (content_) window_.showMarkers(content_());
@@ -170,6 +183,7 @@ private:
     PanelRect frame_;
     bool needsDisplay_ = false;
     CanvasWindow window_;
+    Subscription showing_;  // an empty canvas that may wait
 };
 
 }  // namespace

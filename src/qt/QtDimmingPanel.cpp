@@ -6,6 +6,8 @@
 #include <QWidget>
 #include <algorithm>
 
+#include "base/Subscription.h"
+#include "qt/AfterTheInput.h"
 #include "qt/ServerSync.h"
 
 namespace tarvix {
@@ -51,6 +53,7 @@ public:
     }
 
     void animateAlpha(double alpha) override {
+        showing_.reset();
         fade_.stop();
         fade_.setStartValue(alpha_);
         fade_.setEndValue(alpha);
@@ -58,6 +61,7 @@ public:
     }
 
     void orderFront() override {
+        showing_.reset();
         services_.windowing.stackOnTop(number());
         orderIn();
     }
@@ -70,14 +74,22 @@ public:
             orderFront();
             return;
         }
+        if (services_.afterTheInput && !window_.isVisible()) {
+            showing_ = services_.afterTheInput->run([this, windowNumber] { comeBelow(windowNumber); });
+        } else {
+            comeBelow(windowNumber);
+        }
+    }
+
+private:
+    std::uint32_t number() const { return static_cast<std::uint32_t>(window_.winId()); }
+
+    void comeBelow(std::uint32_t windowNumber) {
         services_.windowing.stackBelow(number(), windowNumber);
         orderIn();
         syncWithServer();
         services_.windowing.stackBelow(number(), windowNumber);
     }
-
-private:
-    std::uint32_t number() const { return static_cast<std::uint32_t>(window_.winId()); }
 
     void orderIn() {
         orderedIn_ = true;
@@ -99,6 +111,7 @@ private:
     bool orderedIn_ = false;  // not after fading away: the next alpha must not bring it back to its old place
     HazeWindow window_;
     QVariantAnimation fade_;
+    Subscription showing_;  // it may wait
 };
 
 }  // namespace

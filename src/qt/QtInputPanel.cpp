@@ -10,6 +10,7 @@
 #include <cmath>
 
 #include "base/Listeners.h"
+#include "qt/AfterTheInput.h"
 #include "qt/Appearance.h"
 #include "qt/InputField.h"
 #include "qt/KeyPace.h"
@@ -317,6 +318,7 @@ private:
             [this] {
                 flushToServer();
                 if (hasKeyboard_) services_.milestones.reached(milestone::inputShown, 0);
+                if (services_.afterTheInput) services_.afterTheInput->theInputIsPainted();
             },
             Qt::QueuedConnection);
     }

@@ -1,6 +1,7 @@
 // The panels as Qt windows.
 #pragma once
 
+#include "qt/AfterTheInput.h"
 #include "qt/PanelServices.h"
 #include "qt/QtSystemColors.h"
 
@@ -9,7 +10,9 @@ namespace tarvix {
 // Main thread. The services outlive the panels made here.
 class QtPanels : public Panels {
 public:
-    explicit QtPanels(const PanelServices& services) : services_(services) {}
+    explicit QtPanels(const PanelServices& services) : services_(services) {
+        services_.afterTheInput = &afterTheInput_;
+    }
 
     std::unique_ptr<InputPanel> makeInputPanel() override;
     std::unique_ptr<CanvasPanel> makeCanvasPanel(std::string_view drawn) override;
@@ -18,6 +21,7 @@ public:
     SystemColors& colors() override { return colors_; }
 
 private:
+    AfterTheInput afterTheInput_;
     PanelServices services_;
     QtSystemColors colors_;
 };
