@@ -296,8 +296,8 @@ TEST_P(ClickActions, ARadioButtonIsChosen) {
     expectPointer(centre("Larch"));
 }
 
-// Where no window manager takes the presses into its hands: openbox, on a machine that is busy, now and then passes
-// only one of two on that come as fast as this.
+// Where no window manager takes the presses into its hands: openbox, on a machine that is busy, still passes on only
+// one of two now and then.
 class DoubleClicks : public ClickActions {};
 
 TEST_P(DoubleClicks, KeypadEnterDoubleClicks) {

@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "base/Listeners.h"
@@ -18,8 +19,9 @@
 namespace tarvix {
 
 // Main thread. Nothing is posted into windows, everything as if it came from the hardware: it goes through grabs and
-// menus as a hand's click does, and below click-through panels. A window manager that looks at a click first may pass
-// it on without flags that were given for it and that no hand holds.
+// menus as a hand's click does, and below click-through panels. The second press of a double click comes 30 ms after
+// the first click, and not before that is through or another fifth of a second is over. A window manager that looks at
+// a click first may pass it on without flags that were given for it and that no hand holds.
 class X11Events final : public Events {
 public:
     // The connection outlives the events.
@@ -52,6 +54,9 @@ private:
     X11Events(X11Connection& connection, bool hasXInput);
     unsigned fake(std::uint8_t type, std::uint8_t detail, std::int16_t x = 0, std::int16_t y = 0);
     void clickThroughPanel();
+    void awaitFormerClick();
+    // By another program, or by an application that has a button's press and not yet its release.
+    bool isPointerGrabbed();
     // Has the applications see exactly these modifiers. What has been locked for it is returned.
     std::uint8_t setModifiers(std::uint64_t flags);
     void liftKeys(std::uint8_t mask, const std::vector<std::uint16_t>& devices);
