@@ -176,5 +176,16 @@ TEST_F(HeldShortcutTest, IsServedFromTheFirstPressAfterTheOtherProgramHasEnded) 
     expectItIsServed();
 }
 
+// Each press comes in the moment in which The Input goes and the keyboards are given back.
+TEST(ShortcutTest, ThePressRightAfterTheInputHasGoneIsServed) {
+    Keyboard keyboard;
+    Program program{TARVIX_PROGRAM};
+    ASSERT_TRUE(program.isReady());
+    for (int times = 1; times <= 30; ++times) {
+        ASSERT_TRUE(program.pressHotKey(keyboard)) << "press " << times;
+        ASSERT_TRUE(program.press(keyboard, keysym::escape, milestone::inputHidden)) << "press " << times;
+    }
+}
+
 }  // namespace
 }  // namespace tarvix
