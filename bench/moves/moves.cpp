@@ -33,10 +33,13 @@ double processorTime(pid_t process) {
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
 }
 
-// A mouse that reports far more often than any hand needs. It circles around the middle of the fixture's window.
+constexpr ScreenPoint kOverTheWindow{300, 200};
+constexpr ScreenPoint kBesideTheWindow{1200, 200};
+
+// A mouse that reports far more often than any hand needs, and goes about an area of the screen.
 class Flood {
 public:
-    Flood() : x_(xcb_connect(nullptr, nullptr)) {}
+    explicit Flood(ScreenPoint corner) : x_(xcb_connect(nullptr, nullptr)), corner_(corner) {}
     ~Flood() { xcb_disconnect(x_); }
     Flood(const Flood&) = delete;
     Flood& operator=(const Flood&) = delete;
@@ -57,16 +60,18 @@ public:
 
 private:
     void move(int number) {
-        const auto x = static_cast<std::int16_t>(300 + number % 400), y = static_cast<std::int16_t>(200 + number % 331);
+        const auto x = static_cast<std::int16_t>(corner_.x + number % 400);
+        const auto y = static_cast<std::int16_t>(corner_.y + number % 331);
         xcb_test_fake_input(x_, XCB_MOTION_NOTIFY, 0, XCB_CURRENT_TIME,
                             xcb_setup_roots_iterator(xcb_get_setup(x_)).data->root, x, y, 0);
     }
 
     xcb_connection_t* x_;
+    ScreenPoint corner_;
 };
 
-void measure(const char* what, pid_t process, int perSecond) {
-    Flood flood;
+void measure(const char* what, pid_t process, int perSecond, ScreenPoint where = kOverTheWindow) {
+    Flood flood(where);
     const auto start = Clock::now();
     const double before = processorTime(process);
     const int moves = flood.run(perSecond);
@@ -85,7 +90,7 @@ int play(const char* path) {
     Keyboard keyboard;
     Fixture fixture("gtk3.py");
     if (!fixture.isReady()) return fail("the application did not start");
-    keyboard.movePointer({300, 200});
+    keyboard.movePointer(kOverTheWindow);
     Program program(path);
     if (!program.isReady()) return fail("the program did not start");
     const pid_t process = program.process().pid();
@@ -95,10 +100,11 @@ int play(const char* path) {
 
     const Program::Step opened = program.pressHotKey(keyboard);
     if (!program.reached(milestone::candidatesRead, opened.pressed)) return fail("no candidates were read");
-    measure("The Input open, pointer at rest", process, 0);
-    measure("The Input open", process, kMovesPerSecond);
+    measure("a search, pointer at rest", process, 0);
+    measure("a search, the pointer over nothing", process, kMovesPerSecond, kBesideTheWindow);
+    measure("a search, the inspector following", process, kMovesPerSecond);
     if (!program.type(keyboard, "e")) return fail("no Targets");
-    measure("Targets under the pointer", process, kMovesPerSecond);
+    measure("the same among many Targets", process, kMovesPerSecond);
     if (!program.press(keyboard, keysym::escape, milestone::inputHidden)) return fail("The Input did not close");
     measure("after the search", process, kMovesPerSecond);
     return 0;

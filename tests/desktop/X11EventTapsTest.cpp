@@ -86,7 +86,7 @@ TEST_F(X11EventTapsOnDesktop, WithoutAnInterestNothingIsToldAndEverythingArrives
     hardware.movePointer(210, 210);
     hardware.click(kWheelDown);
     settle();
-    EXPECT_EQ(takePointerLog(), (Lines{"motion", "button down 5", "button up 5"}));
+    EXPECT_EQ(awaitPointerLog(3), (Lines{"motion", "button down 5", "button up 5"}));
     // Had it been told it would have been before this.
     tap->setInterest(kSeen);
     hardware.movePointer(220, 220);
@@ -122,7 +122,7 @@ TEST_F(X11EventTapsOnDesktop, AFloodOfMovesIsFewTellingsAndTheLastOneIsAmongThem
     const auto milliseconds =
         std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - started);
     EXPECT_GT(moves, 0);
-    EXPECT_LE(moves, milliseconds.count() / 8 + 2);
+    EXPECT_LE(moves, milliseconds.count() / 16 + 2);
 }
 
 TEST_F(X11EventTapsOnDesktop, EachDirectionOfTheWheelIsToldAndGoesOnToTheApplication) {
@@ -132,7 +132,7 @@ TEST_F(X11EventTapsOnDesktop, EachDirectionOfTheWheelIsToldAndGoesOnToTheApplica
         hardware.click(button);
         EXPECT_TRUE(loop.runUntil([&] { return steps == before + 1; })) << int(button);
         const std::string number = std::to_string(button);
-        EXPECT_EQ(takePointerLog(), (Lines{"button down " + number, "button up " + number}));
+        EXPECT_EQ(awaitPointerLog(2), (Lines{"button down " + number, "button up " + number}));
     }
     EXPECT_EQ(moves, 0);
 }
@@ -176,7 +176,7 @@ TEST_F(X11EventTapsOnDesktop, AfterASwallowedWheelEverythingArrivesAgain) {
     application.takeLog();
     hardware.movePointer(250, 250);
     hardware.click(kWheelDown);
-    EXPECT_EQ(takePointerLog(), (Lines{"motion", "button down 5", "button up 5"}));
+    EXPECT_EQ(awaitPointerLog(3), (Lines{"motion", "button down 5", "button up 5"}));
 }
 
 TEST_F(X11EventTapsOnDesktop, SeenAndSwallowedChangePlacesDuringASearch) {
@@ -188,7 +188,7 @@ TEST_F(X11EventTapsOnDesktop, SeenAndSwallowedChangePlacesDuringASearch) {
         tap->setInterest(kSeen);
         settle();
         hardware.click(kWheelDown);
-        EXPECT_EQ(takePointerLog(), (Lines{"button down 5", "button up 5"}));
+        EXPECT_EQ(awaitPointerLog(2), (Lines{"button down 5", "button up 5"}));
     }
 }
 
@@ -200,7 +200,7 @@ TEST_F(X11EventTapsOnDesktop, ADisabledTapSeesAndSwallowsNothing) {
     application.takeLog();
     hardware.movePointer(250, 250);
     hardware.click(kWheelDown);
-    EXPECT_EQ(takePointerLog(), (Lines{"motion", "button down 5", "button up 5"}));
+    EXPECT_EQ(awaitPointerLog(3), (Lines{"motion", "button down 5", "button up 5"}));
     tap->enable(true);
     settle();
     hardware.click(kWheelDown);
@@ -215,7 +215,7 @@ TEST_F(X11EventTapsOnDesktop, AnInterestOfADisabledTapWaits) {
     tap->setInterest(kSwallowed);
     settle();
     hardware.click(kWheelDown);
-    EXPECT_EQ(takePointerLog(), (Lines{"button down 5", "button up 5"}));
+    EXPECT_EQ(awaitPointerLog(2), (Lines{"button down 5", "button up 5"}));
     tap->enable(true);
     settle();
     hardware.click(kWheelDown);
@@ -321,6 +321,34 @@ TEST_F(X11ClicksOnDesktop, TheNextSearchSwallowsTheWheelAgain) {
     hardware.click(kWheelDown);
     settle();
     EXPECT_EQ(takePointerLog(), Lines{});
+}
+
+// The press is first of all the window manager's, which gives the clicked window the keyboard.
+TEST_F(X11ClicksOnDesktop, AClickInAnotherWindowReachesItsManagerToo) {
+    const auto hasManager = hasWindowManager(*connection);
+    if (!hasManager) GTEST_SKIP() << "for window managers";
+    keyboard->releaseKeyboard();
+    tap->setInterest({});
+    X11Victim other({1000, 500, 300, 200, false});
+    ASSERT_TRUE(other.show());
+    ASSERT_TRUE(application.focus());
+    ASSERT_TRUE(take());
+    tap->setInterest(kSwallowed);
+    settle();
+    other.takeLog();
+    hardware.movePointer(1100, 600);
+    hardware.click(1);
+    Lines clicks;
+    loop.runUntil([&] {
+        for (const std::string& line : other.takeLog())
+            if (line.starts_with("button")) clicks.push_back(line);
+        return clicks.size() >= 2;
+    });
+    EXPECT_EQ(clicks, (Lines{"button down 1", "button up 1"}));
+    EXPECT_TRUE(loop.runUntil([&] {
+        const auto focus = connection->reply<xcb_get_input_focus_reply>(xcb_get_input_focus(connection->get()));
+        return focus && focus->focus == other.window();
+    }));
 }
 
 // The shield's place --------------------------------------------------------------------------------------------------

@@ -17,8 +17,8 @@ using Handled = X11Connection::Handled;
 
 namespace {
 
-// A mouse may report thousands of times a second, and a picture of the screen lasts twice as long as this.
-constexpr auto kRest = std::chrono::milliseconds(8);
+// A mouse may report thousands of times a second, and a picture of the screen lasts about as long as this.
+constexpr auto kRest = std::chrono::milliseconds(16);
 
 // The tap's eyes are a connection of their own. Keys have to be handled at once, and come by the other one; here a
 // flood of moves can wait for the end of a rest.
