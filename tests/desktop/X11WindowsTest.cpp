@@ -45,6 +45,48 @@ TEST_F(X11WindowsOnDesktop, TheActiveWindowIsTheOneWithTheKeyboard) {
     EXPECT_EQ(active->frameExtents.has_value(), isManaged());
 }
 
+// What was read of the active window is kept, but never beyond a change.
+TEST_F(X11WindowsOnDesktop, WhateverChangesAboutTheActiveWindowIsSeenAtOnce) {
+    ASSERT_TRUE(windows->active());
+    for (const char* title : {"one", "two"}) {
+        application.setText("WM_NAME", title);
+        application.setText("_GTK_APPLICATION_ID", title);
+        application.connection().sync();
+        const auto active = windows->active();
+        ASSERT_TRUE(active);
+        EXPECT_EQ(active->title, title);
+        EXPECT_EQ(active->gtkApplicationId, title);
+        EXPECT_EQ(windows->window(application.window())->title, title);
+    }
+    const std::uint32_t size[] = {333, 222};
+    xcb_configure_window(application.connection().get(), application.window(),
+                         XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, size);
+    application.connection().sync();
+    EXPECT_TRUE(loop.runUntil([&] {
+        return windows->active()->client.size == Size{333, 222};
+    })) << "once the window manager has agreed";
+}
+
+TEST_F(X11WindowsOnDesktop, AnotherActiveWindowIsSeenAndSoIsItsEnd) {
+    ASSERT_TRUE(windows->active());
+    std::uint32_t number = 0;
+    {
+        X11Victim other({150, 450, 200, 100, false});
+        other.setText("WM_NAME", "other");
+        ASSERT_TRUE(other.show());
+        ASSERT_TRUE(other.focus());
+        number = other.window();
+        ASSERT_TRUE(windows->active());
+        EXPECT_EQ(windows->active()->number, number);
+        EXPECT_EQ(windows->active()->title, "other");
+    }
+    EXPECT_TRUE(loop.runUntil([&] {
+        const auto active = windows->active();
+        return !active || active->number != number;
+    }));
+    EXPECT_FALSE(windows->window(number));
+}
+
 TEST_F(X11WindowsOnDesktop, ItStandsWhereAClickReachesItsCorner) {
     const auto active = windows->active();
     ASSERT_TRUE(active);
