@@ -7,6 +7,7 @@
 #include <set>
 #include <string>
 
+#include "platform/Events.h"
 #include "platform/InputSources.h"
 #include "tests/contract/Subject.h"
 
@@ -87,6 +88,22 @@ TEST_P(InputSourcesContract, NoKeyTypesAnEmptyTextOrAControlCharacter) {
             }
         }
     }
+}
+
+TEST_P(InputSourcesContract, AnEventTypesWhatItsKeyDoesOnTheSelectedSource) {
+    const InputSourceInfo current = sources.currentKeyboardLayout();
+    int compared = 0;
+    for (std::uint16_t keyCode = 0; keyCode < 128; ++keyCode) {
+        const auto text = sources.translate(current, keyCode, 0);
+        if (!text) continue;
+        ++compared;
+        EXPECT_EQ(sources.characters(keyCode, eventFlag::command), text) << keyCode;
+        EXPECT_EQ(sources.characters(keyCode, eventFlag::command | eventFlag::shift),
+                  sources.translate(current, keyCode, 2))
+            << keyCode;
+    }
+    EXPECT_EQ(compared > 0, current.hasLayoutData);
+    EXPECT_EQ(sources.characters(54, 0), std::nullopt) << "no key";
 }
 
 TEST_P(InputSourcesContract, AnUnknownSourceTypesNothing) {
