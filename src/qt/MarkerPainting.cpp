@@ -76,6 +76,25 @@ std::size_t hashOf(const MarkerDrawing& marker) {
 
 }  // namespace
 
+namespace {
+
+constexpr double kMostCopied = 256;  // a side, in pixels
+
+QPointF inPixelOf(const QRectF& bounds) {
+    return {bounds.left() - std::floor(bounds.left()), bounds.top() - std::floor(bounds.top())};
+}
+
+std::size_t hashOfLook(const MarkerDrawing& marker, const QRectF& bounds) {
+    const QPointF inPixel = inPixelOf(bounds);
+    std::size_t hash = marker.shapes.size();
+    for (const double number :
+         {bounds.width(), bounds.height(), inPixel.x(), inPixel.y(), marker.alpha, marker.cornerRadius})
+        hash = hash * 1000003 + std::hash<double>{}(number);
+    return hash;
+}
+
+}  // namespace
+
 QColor toQColor(Color color) {
     const auto part = [](double value) { return static_cast<float>(std::clamp(value, 0.0, 1.0)); };
     return QColor::fromRgbF(part(color.red), part(color.green), part(color.blue), part(color.alpha));
@@ -98,6 +117,29 @@ void paintMarker(QPainter& painter, const MarkerDrawing& marker, const QRectF& b
         painter.drawImage(pixels.topLeft(), group);
     }
     painter.restore();
+}
+
+bool MarkerPainter::Seen::looksLike(const MarkerDrawing& other, const QRectF& bounds) const {
+    return size == bounds.size() && inPixel == inPixelOf(bounds) && marker.alpha == other.alpha &&
+           marker.cornerRadius == other.cornerRadius && marker.shapes == other.shapes;
+}
+
+// The first of a look is painted in its place, since most looks are seen but once.
+void MarkerPainter::paint(const MarkerDrawing& marker, const QRectF& bounds) {
+    if (bounds.width() > kMostCopied || bounds.height() > kMostCopied) return paintMarker(painter_, marker, bounds);
+    const auto [entry, isNew] = seen_.try_emplace(hashOfLook(marker, bounds));
+    Seen& seen = entry->second;
+    if (isNew) seen = {bounds.size(), inPixelOf(bounds), marker, QImage()};
+    if (isNew || !seen.looksLike(marker, bounds)) return paintMarker(painter_, marker, bounds);
+    const QRect pixels = bounds.toAlignedRect();
+    if (seen.image.isNull()) {
+        seen.image = QImage(pixels.size(), QImage::Format_ARGB32_Premultiplied);
+        seen.image.fill(Qt::transparent);
+        QPainter inner(&seen.image);
+        inner.translate(-pixels.topLeft());
+        paintMarker(inner, marker, bounds);
+    }
+    painter_.drawImage(pixels.topLeft(), seen.image);
 }
 
 void paintOpaqueMarker(QPainter& painter, const MarkerDrawing& marker, const QRectF& bounds) {

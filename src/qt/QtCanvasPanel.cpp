@@ -66,11 +66,16 @@ public:
 protected:
     void paintEvent(QPaintEvent* event) override {
         QPainter painter(this);
+        MarkerPainter markers(painter);
         const QRegion exposed = simplified(event->region());
         for (const MarkerDrawing& marker : markers_) {
             const QRectF bounds = boundsOf(marker);
             if (!exposed.intersects(bounds.toAlignedRect())) continue;
-            (translucent_ ? paintMarker : paintOpaqueMarker)(painter, marker, bounds);
+            if (translucent_) {
+                markers.paint(marker, bounds);
+            } else {
+                paintOpaqueMarker(painter, marker, bounds);
+            }
         }
     }
 

@@ -134,6 +134,40 @@ TEST_F(MarkerPainting, OnlyWhatDiffersCounts) {
     EXPECT_EQ(twice.come, std::vector<std::size_t>{1});
 }
 
+// Copies of a marker are what it would be if it were painted, also where markers lie over each other.
+TEST(QtMarkerPainter, ACopyIsWhatThePaintingWouldBe) {
+    const MarkerShape stroke{2, 2, {0, 0.8, 1, 1}}, fill{0, 0, {1, 1, 0, 1}};
+    std::vector<std::pair<MarkerDrawing, QRectF>> markers;
+    for (int i = 0; i < 12; ++i) {
+        const bool isStroke = i % 3 != 0;
+        const MarkerDrawing marker{
+            {{0, 0}, {40, 30}}, isStroke ? 0.9 : 0.6, isStroke ? 8.0 : 5.0, {isStroke ? stroke : fill}};
+        markers.emplace_back(marker, QRectF(10 + 25 * i + (i > 8 ? 0.5 : 0), 10 + 7 * i, 40, 30));
+    }
+    QImage painted(360, 140, QImage::Format_ARGB32_Premultiplied), copied = painted;
+    painted.fill(Qt::transparent);
+    copied.fill(Qt::transparent);
+    {
+        QPainter plain(&painted), quick(&copied);
+        MarkerPainter painter(quick);
+        for (const auto& [marker, bounds] : markers) {
+            paintMarker(plain, marker, bounds);
+            painter.paint(marker, bounds);
+        }
+    }
+    int seen = 0;
+    for (int y = 0; y < painted.height(); ++y)
+        for (int x = 0; x < painted.width(); ++x) {
+            const QRgb a = painted.pixel(x, y), b = copied.pixel(x, y);
+            seen += qAlpha(a) > 0;
+            // Twice rounded instead of once.
+            const int most = std::max({std::abs(qAlpha(a) - qAlpha(b)), std::abs(qRed(a) - qRed(b)),
+                                       std::abs(qGreen(a) - qGreen(b)), std::abs(qBlue(a) - qBlue(b))});
+            ASSERT_LE(most, 3) << x << "," << y;
+        }
+    EXPECT_GT(seen, 1000);
+}
+
 class QtCanvasPanelTest : public QtPanelTest {
 protected:
     QtCanvasPanelTest() {
