@@ -98,7 +98,6 @@ protected:
         keyboard_.movePointer(centre("Nettle"));
         program_.emplace(TARVIX_PROGRAM, changes);
         ASSERT_TRUE(program_->isReady());
-        ASSERT_TRUE(await(20s, [&] { return canBeSearched(); }));
         seen_ = fixture_->journal().size();
     }
 
@@ -108,14 +107,6 @@ protected:
         for (const std::string& line : fixture_->journal()) std::cout << "    journal: " << line << "\n";
         for (const Moment& moment : program_->log().all())
             std::cout << "    " << moment.microseconds / 1000 << " ms: " << moment.name << " " << moment.count << "\n";
-    }
-
-    // On a busy machine a toolkit may be seen on the screen before it answers any question.
-    bool canBeSearched() {
-        const Program::Step opened = program_->pressHotKey(keyboard_);
-        if (!opened) return false;
-        const auto read = program_->reached(milestone::candidatesRead, opened.pressed);
-        return program_->press(keyboard_, keysym::escape, milestone::inputHidden) && read && read->count > 0;
     }
 
     AxRect frameOf(const std::string& name) const {
@@ -131,9 +122,16 @@ protected:
     }
 
     void open() {
+        ASSERT_TRUE(await(20s, [&] { return opensWithCandidates(); }));
+    }
+    // On a busy machine an application may be too slow to answer: then the search is put away again.
+    bool opensWithCandidates() {
         const Program::Step opened = program_->pressHotKey(keyboard_);
-        ASSERT_TRUE(opened);
-        ASSERT_TRUE(program_->reached(milestone::candidatesRead, opened.pressed));
+        if (!opened) return false;
+        const auto read = program_->reached(milestone::candidatesRead, opened.pressed);
+        if (read && read->count > 0) return true;
+        program_->press(keyboard_, keysym::escape, milestone::inputHidden);
+        return false;
     }
     void search(const std::string& query) {
         open();
@@ -188,6 +186,14 @@ protected:
         EXPECT_TRUE(await(5s, [&] { return news().size() >= wanted.size(); }));
         EXPECT_EQ(news(), wanted);
         seen_ += news().size();
+    }
+    // A radio button, last of all. The answer is what else there was.
+    Lines expectChosen(const std::string& name) {
+        EXPECT_TRUE(await(5s, [&] { return !news().empty() && news().back() == "chosen " + name; })) << name;
+        Lines before = news();
+        seen_ += before.size();
+        if (!before.empty()) before.pop_back();
+        return before;
     }
     // An ordinary click somewhere else, to see that nothing came before it and that no modifier has stayed behind.
     void expectNothingBeforeTheNextClick() {
@@ -292,7 +298,7 @@ TEST_P(ClickActions, ATabIsClicked) {
 TEST_P(ClickActions, ARadioButtonIsChosen) {
     search("larch");
     confirm(keysym::returnKey);
-    EXPECT_TRUE(await(5s, [&] { return !news().empty() && news().back() == "chosen Larch"; })) << news().size();
+    expectChosen("Larch");
     expectPointer(centre("Larch"));
 }
 
@@ -324,23 +330,43 @@ TEST_P(DoubleClicks, WithAnEmptyQueryThePointerIsWhereTheyHappen) {
     expectNothingBeforeTheNextClick();
 }
 
-class RadioButtons : public ClickActions {};
-
-TEST_P(RadioButtons, ArePressedByTheirOwnActionAndNeverClicked) {
-    search("larch");
-    confirm(keysym::returnKey);
-    expectNews({"chosen Larch"});
-    expectPointer(centre("Larch"));
-    search("kale");
-    {
-        const Held held(keyboard_, {keysym::control});
-        confirm(keysym::returnKey);
-        expectNews({"chosen Kale"});
+// An application that doesn't answer in time gets a click instead of the press, and on a busy machine that may be any;
+// so there is more than one try, each with the button that isn't chosen yet.
+class RadioButtons : public ClickActions {
+public:
+    // Whether one try of several chooses a button without any click.
+    bool pressOne(const Keys& keys, void (RadioButtons::*begin)(const std::string& name)) {
+        for (int tries = 0; tries < 5; ++tries) {
+            std::swap(next_, chosen_);
+            (this->*begin)(chosen_);
+            const Held held(keyboard_, keys);
+            confirm(keysym::returnKey);
+            if (expectChosen(chosen_).empty()) return true;
+        }
+        return false;
     }
-    keyboard_.movePointer(centre("Larch"));
-    open();
-    confirm(keysym::returnKey);
-    expectNews({"chosen Larch"});
+    void searchFor(const std::string& name) { search(name == "Kale" ? "kale" : "larch"); }
+    void openOver(const std::string& name) {
+        keyboard_.movePointer(centre(name));
+        open();
+    }
+
+private:
+    std::string chosen_ = "Kale", next_ = "Larch";
+};
+
+TEST_P(RadioButtons, ArePressedByTheirOwnAction) {
+    EXPECT_TRUE(pressOne({}, &RadioButtons::searchFor));
+    expectNothingBeforeTheNextClick();
+}
+
+TEST_P(RadioButtons, ArePressedAndNotRightClickedWithControl) {
+    EXPECT_TRUE(pressOne({keysym::control}, &RadioButtons::searchFor));
+    expectNothingBeforeTheNextClick();
+}
+
+TEST_P(RadioButtons, ArePressedUnderThePointerToo) {
+    EXPECT_TRUE(pressOne({}, &RadioButtons::openOver));
     expectNothingBeforeTheNextClick();
 }
 
@@ -367,7 +393,7 @@ TEST_F(ActionsOnDesktop, ThePointerGoesBackWhereTheSettingsSaySo) {
     expectPointer(before);
     search("larch");
     confirm(keysym::returnKey);
-    expectNews({"chosen Larch"});
+    expectChosen("Larch");
     expectPointer(before);
     search("dogwood");
     keyboard_.movePointer(centre("Fennel"));  // it goes back where it was last, not where the search began
