@@ -68,20 +68,20 @@ protected:
 
 TEST_F(QtInspectorPanelTest, ShowsDarkTextOnALightRoundedGround) {
     const QRect pixels = show(save);
+    EXPECT_TRUE(runUntil([&] { return inked(screenshot(), pixels.adjusted(16, 16, -16, -16), Qt::black) > 300; }));
     const QImage seen = screenshot();
-    EXPECT_GT(inked(seen, pixels.adjusted(16, 16, -16, -16), Qt::black), 300);
     EXPECT_EQ(inked(seen, {pixels.left() + 3, pixels.top() + 14, 12, pixels.height() - 28}, Qt::black), 0);
     for (const QPoint corner : {pixels.topLeft(), pixels.topRight(), pixels.bottomLeft(), pixels.bottomRight()})
-        EXPECT_EQ(seen.pixelColor(corner), kGround) << corner.x() << "," << corner.y();
+        EXPECT_TRUE(pixelBecomes(corner, kGround)) << corner.x() << "," << corner.y();
     for (const QPoint outside : {QPoint(99, pixels.center().y()), QPoint(pixels.right() + 1, pixels.center().y()),
                                  QPoint(pixels.center().x(), 99), QPoint(pixels.center().x(), pixels.bottom() + 1)})
-        EXPECT_EQ(seen.pixelColor(outside), kGround) << outside.x() << "," << outside.y();
+        EXPECT_TRUE(pixelBecomes(outside, kGround)) << outside.x() << "," << outside.y();
 }
 
 TEST_F(QtInspectorPanelTest, OnADarkDesktopItIsLightTextOnDark) {
     goDark();
     const QRect pixels = show(save);
-    EXPECT_GT(inked(screenshot(), pixels.adjusted(16, 16, -16, -16), Qt::white), 300);
+    EXPECT_TRUE(runUntil([&] { return inked(screenshot(), pixels.adjusted(16, 16, -16, -16), Qt::white) > 300; }));
 }
 
 TEST_F(QtInspectorPanelTest, FollowsAChangeOfTheAppearanceWhileItIsShown) {
@@ -156,9 +156,8 @@ TEST_F(QtInspectorPanelTest, ThePointerGoesThroughItAndItTakesNoKeyboard) {
 TEST_F(QtInspectorPanelTest, WithoutACompositorItsCornersAreCutOut) {
     windowing.composited = false;
     const QRect pixels = show(save);
-    const QImage seen = screenshot();
     for (const QPoint corner : {pixels.topLeft(), pixels.topRight(), pixels.bottomLeft(), pixels.bottomRight()})
-        EXPECT_EQ(seen.pixelColor(corner), kGround) << corner.x() << "," << corner.y();
+        EXPECT_TRUE(pixelBecomes(corner, kGround)) << corner.x() << "," << corner.y();
 }
 
 TEST_F(QtInspectorPanelTest, AnotherContentTakesThePlaceOfTheFormerOne) {
