@@ -13,18 +13,26 @@ namespace {
 
 struct Command {
     int key;
+    quint32 place;  // the X server's keycode of that letter on the US layout
     Qt::KeyboardModifiers modifiers;
     void (*run)(QLineEdit&);
 };
 
 const std::array<Command, 6> kCommands{{
-    {Qt::Key_A, Qt::MetaModifier, [](QLineEdit& field) { field.selectAll(); }},
-    {Qt::Key_C, Qt::MetaModifier, [](QLineEdit& field) { field.copy(); }},
-    {Qt::Key_V, Qt::MetaModifier, [](QLineEdit& field) { field.paste(); }},
-    {Qt::Key_X, Qt::MetaModifier, [](QLineEdit& field) { field.cut(); }},
-    {Qt::Key_Z, Qt::MetaModifier, [](QLineEdit& field) { field.undo(); }},
-    {Qt::Key_Z, Qt::MetaModifier | Qt::ShiftModifier, [](QLineEdit& field) { field.redo(); }},
+    {Qt::Key_A, 38, Qt::MetaModifier, [](QLineEdit& field) { field.selectAll(); }},
+    {Qt::Key_C, 54, Qt::MetaModifier, [](QLineEdit& field) { field.copy(); }},
+    {Qt::Key_V, 55, Qt::MetaModifier, [](QLineEdit& field) { field.paste(); }},
+    {Qt::Key_X, 53, Qt::MetaModifier, [](QLineEdit& field) { field.cut(); }},
+    {Qt::Key_Z, 52, Qt::MetaModifier, [](QLineEdit& field) { field.undo(); }},
+    {Qt::Key_Z, 52, Qt::MetaModifier | Qt::ShiftModifier, [](QLineEdit& field) { field.redo(); }},
 }};
+
+// On a layout without Latin letters the letter is the one of the place, as it is for every other key of a search. Qt
+// itself (6.4) takes it so with Control alone.
+bool isKeyOf(const QKeyEvent& event, const Command& command) {
+    constexpr int lastLatin = 0xff;
+    return event.key() <= lastLatin ? event.key() == command.key : event.nativeScanCode() == command.place;
+}
 
 }  // namespace
 
@@ -69,7 +77,7 @@ void InputField::keyPressEvent(QKeyEvent* event) {
     }
     const QString before = text();
     for (const Command& command : kCommands)
-        if (command.key == event->key() && command.modifiers == event->modifiers()) command.run(*this);
+        if (isKeyOf(*event, command) && command.modifiers == event->modifiers()) command.run(*this);
     if (text() != before && onEdited) onEdited();
 }
 

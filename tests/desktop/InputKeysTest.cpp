@@ -79,6 +79,34 @@ TEST_F(InputKeysTest, TheKeptTextIsSelectedThoughTheShortcutIsHeld) {
     }
 }
 
+TEST_F(InputKeysTest, TheKeptTextIsSelectedOnALayoutWithoutLatinLettersToo) {
+    play("gtk3-field.py");
+    setLayout("us,ru");
+    startProgram({}, keepsItsText);
+    const auto x = std::move(X11Connection::open().value());
+    ASSERT_TRUE(startXInput(*x));
+    lockGroup(*x, 1);
+    x->sync();
+    open();
+    tap({place::s, place::o});
+    close();
+    open();
+    after(milestone::textChanged, [&] { tap({place::p}); });
+    EXPECT_EQ(takeInputText(), "з") << "in place of the text of last time";
+}
+
+TEST_F(InputKeysTest, TabStaysInTheField) {
+    play("gtk3-field.py");
+    startProgram();
+    open();
+    const std::int64_t start = monotonicMicroseconds();
+    tap({place::p, place::tab, place::o});
+    chord({place::shift, place::tab});
+    tap({place::n});
+    awaitTextChanges(3, start);
+    EXPECT_EQ(takeInputText(), "pon");
+}
+
 struct KeysOfLayout {
     const char* layouts;
     const char* variants;
