@@ -11,6 +11,7 @@ namespace tarvix {
 namespace {
 
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
 using Role = AccessibilityElementRole;
 using Elements = OrderedSet<AccessibilityElement>;
@@ -463,7 +464,7 @@ TEST_F(TarvixEngineTest, APlainRadioButtonIsPressedEvenByARightClick) {
     desk.clearJournal();
     engine.clickPrimaryTarget(MouseButton::right);
     EXPECT_THAT(desk.journal({Topic::mouse}), ElementsAre("moved to 50,20"));
-    EXPECT_EQ(desk.journal({Topic::accessibility}).size(), 1u);
+    EXPECT_THAT(desk.journal({Topic::accessibility}), ElementsAre(HasSubstr("AXPress on ")));
 }
 
 TEST_F(TarvixEngineTest, ThePointerGoesBackAfterTheClickIfTheUserWantsItSo) {
@@ -532,7 +533,7 @@ TEST_F(TarvixEngineTest, ARadioButtonUnderThePointerIsPressedEvenByARightClick) 
     desk.screens.pointer = {100, 900};
     engine.clickAtMouse(MouseButton::right);
     EXPECT_THAT(desk.journal({Topic::mouse}), IsEmpty());
-    EXPECT_EQ(desk.journal({Topic::accessibility}).size(), 1u);
+    EXPECT_THAT(desk.journal({Topic::accessibility}), ElementsAre(HasSubstr("AXPress on ")));
 }
 
 TEST_F(TarvixEngineTest, ADoubleClickOnARadioButtonIsADoubleClickAndNoPress) {

@@ -232,9 +232,8 @@ TEST_F(QtInputPanelTest, TheSpinnerShowsWhileProgressDoes) {
     drain();
     EXPECT_NE(window()->grab().toImage(), idle);
     panel->setShowsProgress(false);
-    field()->deselect();
     drain();
-    EXPECT_EQ(window()->grab().toImage().size(), idle.size());
+    EXPECT_EQ(window()->grab().toImage(), idle);
 }
 
 TEST_F(QtInputPanelTest, TheGroundFollowsTheAppearanceWhileThePanelStands) {

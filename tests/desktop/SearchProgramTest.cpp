@@ -23,7 +23,6 @@ using ::testing::IsEmpty;
 using ::testing::Not;
 
 constexpr auto typedIntoTheInput = "x";
-constexpr double escapeLimit = 100;  // milliseconds
 
 class SearchTest : public ::testing::Test {
 protected:
@@ -71,16 +70,14 @@ protected:
         EXPECT_THAT(fixture_->clicks(), ElementsAre(wanted));
     }
 
-    // Opens The Input, types into it and closes it with Escape, in time.
+    // Opens The Input, types into it and closes it with Escape.
     void openAndEscape() {
         const Program::Step opened = program_->pressHotKey(keyboard_);
         ASSERT_TRUE(opened);
         const std::int64_t typing = monotonicMicroseconds();
         keyboard_.type(typedIntoTheInput);
         ASSERT_TRUE(program_->reached(milestone::textChanged, typing));
-        const Program::Step closed = program_->press(keyboard_, keysym::escape, milestone::inputHidden);
-        ASSERT_TRUE(closed);
-        EXPECT_LE(closed.milliseconds(), escapeLimit);
+        ASSERT_TRUE(program_->press(keyboard_, keysym::escape, milestone::inputHidden));
     }
 
     std::size_t textChanges() const {
@@ -212,25 +209,29 @@ TEST_F(SearchTest, DownGoesToTheNextTargetAndReturnClicksThat) {
 TEST_F(SearchTest, KeysThatComeAllAtOnceAreTakenInTheirOrder) {
     play("gtk3.py");
     startProgram();
+    std::size_t clicks = 0;
     for (const auto* query : {"moss 03", "moss 05"}) {
         const Program::Step opened = program_->pressHotKey(keyboard_);
         ASSERT_TRUE(program_->reached(milestone::candidatesRead, opened.pressed));
         keyboard_.type(query);
         keyboard_.chord({keysym::down});  // to the only Target itself
         ASSERT_TRUE(program_->press(keyboard_, keysym::returnKey, milestone::inputHidden));
+        ++clicks;
+        EXPECT_TRUE(await(5s, [&] { return fixture_->clicks().size() == clicks; }));
     }
-    EXPECT_TRUE(await(3s, [&] { return fixture_->clicks().size() == 2; }));
     EXPECT_THAT(fixture_->clicks(), ElementsAre(FixtureClick{"Moss 03", 1, 1, ""}, FixtureClick{"Moss 05", 1, 1, ""}));
 }
 
 TEST_F(SearchTest, TwoSearchesInARowClickTwice) {
     play("gtk3.py");
     startProgram();
+    std::size_t clicks = 0;
     for (const auto* query : {"dogwood", "fennel"}) {
         search(query);
         confirm();
+        ++clicks;
+        EXPECT_TRUE(await(5s, [&] { return fixture_->clicks().size() == clicks; }));
     }
-    EXPECT_TRUE(await(3s, [&] { return fixture_->clicks().size() == 2; }));
     EXPECT_THAT(fixture_->clicks(), ElementsAre(FixtureClick{"Dogwood", 1, 1, ""}, FixtureClick{"Fennel", 1, 1, ""}));
 }
 

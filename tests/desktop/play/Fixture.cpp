@@ -107,6 +107,7 @@ std::vector<FixtureClick> Fixture::log() const {
     std::vector<FixtureClick> lines;
     std::ifstream file(folder_.file("clicks"));
     for (std::string line; std::getline(file, line);) {
+        if (file.eof()) break;  // a line that is still being written
         std::istringstream fields(line);
         FixtureClick click;
         std::string button, count;
