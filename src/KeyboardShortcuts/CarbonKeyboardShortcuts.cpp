@@ -1,7 +1,7 @@
 #include "KeyboardShortcuts/CarbonKeyboardShortcuts.h"
 
 #include <algorithm>
-#include <cassert>
+#include <cstdlib>
 #include <iterator>
 #include <limits>
 #include <utility>
@@ -28,7 +28,7 @@ void CarbonKeyboardShortcuts::registerShortcut(const Shortcut& shortcut, Handler
 }
 
 bool CarbonKeyboardShortcuts::take(HotKey hotKey) {
-    assert(hotKeyId_ < std::numeric_limits<std::uint32_t>::max());
+    if (hotKeyId_ == std::numeric_limits<std::uint32_t>::max()) std::abort();  // ids are never reused
     ++hotKeyId_;
     if (!platform_.registerHotKey(hotKeyId_, hotKey.shortcut.carbonKeyCode, hotKey.shortcut.carbonModifiers))
         return false;
