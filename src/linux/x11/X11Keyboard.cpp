@@ -12,6 +12,7 @@
 #include "linux/x11/X11PanelEvents.h"
 #include "linux/x11/X11WindowTree.h"
 #include "linux/x11/XInputKeyboards.h"
+#include "linux/x11/XInputPointer.h"
 
 namespace tarvix {
 
@@ -24,8 +25,6 @@ constexpr int kTries = 31;                                   // 300 ms at most
 constexpr auto kBusyLimit = std::chrono::milliseconds(500);  // then a panel is taken to have missed its key
 
 constexpr std::uint32_t kKeyMask = XCB_INPUT_XI_EVENT_MASK_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_KEY_RELEASE;
-
-bool isWheel(std::uint32_t button) { return button >= 4 && button <= 7; }
 
 }  // namespace
 
@@ -409,7 +408,7 @@ void X11Keyboard::focusLeft(const xcb_focus_out_event_t& event) {
 
 void X11Keyboard::buttonPressed(const xcb_input_raw_button_press_event_t& event) {
     const bool isOld = static_cast<std::int32_t>(event.full_sequence - taken_->since) < 0;
-    if (isOld || panelKeys_.tookOwnPress(event.full_sequence) || isWheel(event.detail)) return;
+    if (isOld || panelKeys_.tookOwnPress(event.full_sequence) || isWheelButton(event.detail)) return;
     if (!pointerIsIn(taken_->panel)) lose();
 }
 

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <span>
 
-#include "platform/Events.h"
+#include "platform/Modifiers.h"
 
 namespace tarvix {
 
@@ -20,10 +20,10 @@ struct Meaning {
     std::uint32_t carbon;
 };
 constexpr std::array<Meaning, 4> kMeanings{{
-    {&X11Modifiers::shift, eventFlag::shift, 0x200},
-    {&X11Modifiers::control, eventFlag::control, 0x1000},
-    {&X11Modifiers::option, eventFlag::option, 0x800},
-    {&X11Modifiers::command, eventFlag::command, 0x100},
+    {&X11Modifiers::shift, eventFlag::shift, carbonModifier::shift},
+    {&X11Modifiers::control, eventFlag::control, carbonModifier::control},
+    {&X11Modifiers::option, eventFlag::option, carbonModifier::option},
+    {&X11Modifiers::command, eventFlag::command, carbonModifier::command},
 }};
 
 }  // namespace
