@@ -59,11 +59,21 @@ int measure(const char* name) {
     // What isn't measured is simulated: settings, and an application that is frontmost.
     SimulatedDesktop desktop;
     Platform platform = desktop.platform();
-    const Platform measured{*service.value(),      platform.workspace,  platform.windowServer,
-                            platform.screens,      platform.events,     platform.hotKeys,
-                            platform.inputSources, platform.panels,     platform.runLoop,
-                            platform.userDefaults, platform.pasteboard, platform.notificationCenter,
-                            platform.milestones};
+    const Platform measured{.accessibility = *service.value(),
+                            .application = platform.application,
+                            .workspace = platform.workspace,
+                            .windowServer = platform.windowServer,
+                            .screens = platform.screens,
+                            .events = platform.events,
+                            .eventTaps = platform.eventTaps,
+                            .hotKeys = platform.hotKeys,
+                            .inputSources = platform.inputSources,
+                            .panels = platform.panels,
+                            .runLoop = platform.runLoop,
+                            .userDefaults = platform.userDefaults,
+                            .pasteboard = platform.pasteboard,
+                            .notificationCenter = platform.notificationCenter,
+                            .milestones = platform.milestones};
     const SearchEngine search(measured);
     atspi::Applications applications;
     atspi::FetchOptions recorded, blocking;
