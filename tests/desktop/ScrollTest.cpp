@@ -92,18 +92,24 @@ protected:
 
     // Nothing that came so far has moved the scroller. A fixture gets its events in order, and clicks are such.
     void expectNothingScrolled() {
-        for (int i = 0; i < 2; ++i) clickHarvest();
+        for (int i = 0; i < 2; ++i) ASSERT_TRUE(clickReaches(2s) || clickReaches(2s) || clickReaches(5s));
         EXPECT_EQ(fixture_->scrolled(), 0);
         greet();
     }
 
-    void clickHarvest() {
+    void clickHarvest() { EXPECT_TRUE(clickReaches(5s)); }
+
+    // Whether a click on the button arrives. openbox 3.6 may lose one that comes within milliseconds of another.
+    bool clickReaches(std::chrono::milliseconds limit) {
         const std::size_t before = fixture_->clicks().size();
         mouse().moveTo(middleOf("Harvest"));
         mouse().click();
-        EXPECT_TRUE(await(5s, [&] { return fixture_->clicks().size() > before; }));
-        EXPECT_EQ(fixture_->clicks().back(), (FixtureClick{"Harvest", 1, 1, ""}));
+        const bool arrived = await(limit, [&] { return fixture_->clicks().size() > before; });
+        if (arrived) {
+            EXPECT_EQ(fixture_->clicks().back(), (FixtureClick{"Harvest", 1, 1, ""}));
+        }
         mouse().moveTo(middleOf("Slope"));
+        return arrived;
     }
 
     std::int64_t openTheInput() {
