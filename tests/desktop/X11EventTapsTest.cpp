@@ -1,5 +1,6 @@
 #include <xcb/xinput.h>
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cstdint>
@@ -294,7 +295,13 @@ TEST_F(X11ClicksOnDesktop, AClickAgainstATapThatEndsReachesTheApplicationToo) {
 TEST_F(X11ClicksOnDesktop, AClickIntoThePanelIsThePanelsAndTheWheelStaysSwallowed) {
     hardware.movePointer(650, 110);
     hardware.click(1);
-    loop.runUntil([&] { return panel.takeLog() == Lines{"button down 1", "button up 1"}; }, 3s);
+    Lines clicks;
+    EXPECT_TRUE(loop.runUntil([&] {
+        for (const std::string& line : panel.takeLog())
+            if (line.starts_with("button")) clicks.push_back(line);
+        return clicks.size() >= 2;
+    }));
+    EXPECT_EQ(clicks, (Lines{"button down 1", "button up 1"}));
     settle();
     EXPECT_EQ(losses, 0);
     hardware.movePointer(200, 200);
@@ -314,6 +321,8 @@ TEST_F(X11ClicksOnDesktop, OurOwnClickGoesThroughAtOnce) {
 TEST_F(X11ClicksOnDesktop, TheNextSearchSwallowsTheWheelAgain) {
     hardware.click(1);
     EXPECT_TRUE(loop.runUntil([&] { return losses == 1; }));
+    // A window manager hands the click on in its own time.
+    EXPECT_TRUE(loop.runUntil([&] { return std::ranges::count(takePointerLog(), "button up 1") > 0; }));
     tap->setInterest({});
     tap->setInterest(kSwallowed);
     settle();
