@@ -78,8 +78,15 @@ protected:
 using MenuEntryTest = OpenMenuTest;
 
 TEST_P(MenuEntryTest, TheEntriesAreCandidatesAndReturnActivatesOne) {
-    open();
-    const Program::Step typed = program_.type(keyboard_, GetParam().query);
+    // A toolkit may tell of the entries a moment after it says that the menu is open; then one searches again.
+    Program::Step typed;
+    for (int tries = 0; tries < 3 && !typed; ++tries) {
+        if (tries > 0) {
+            ASSERT_TRUE(program_.press(keyboard_, keysym::escape, milestone::inputHidden));
+        }
+        open();
+        typed = program_.type(keyboard_, GetParam().query);
+    }
     ASSERT_TRUE(typed);
     EXPECT_GE(typed.answered->count, 1u);
     EXPECT_THAT(fixture_.menus(), ElementsAre("opened"));
