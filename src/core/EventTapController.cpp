@@ -23,7 +23,7 @@ EventTapController::EventTapController(EventTaps& eventTaps, RunLoop& runLoop, U
       engine_(engine),
       theInput_(theInput),
       inspector_(inspector),
-      preventScrollingWhenTarvixing_(userDefaults, "preventScrollingWhenTarvixing", false),
+      preventScrollingWhenTarvixing_(userDefaults, {"preventScrollingWhenTarvixing", false}),
       tap_(require(eventTaps.createEventTap([this](TapEventType type) { return seen(type); }))) {
     tap_->setInterest(interest());
     visibility_ = theInput.onVisibilityChanged([this] { tap_->setInterest(interest()); });

@@ -13,7 +13,7 @@ KeyRouting::KeyRouting(const Platform& platform, TarvixEngineProtocol& engine, T
       engine_(engine),
       theInput_(theInput),
       preloading_(preloading),
-      allowCopyingOfTextAndMetadata_(platform.userDefaults, "allowCopyingOfTextAndMetadata", false) {}
+      allowCopyingOfTextAndMetadata_(platform.userDefaults, {"allowCopyingOfTextAndMetadata", false}) {}
 
 bool KeyRouting::handleKey(const KeyCombination& keyCombination) {
     const auto route = std::find_if(keyRoutes.begin(), keyRoutes.end(),

@@ -17,9 +17,9 @@ constexpr int kStatusItemLayer = 25;
 HazeOverWindow::HazeOverWindow(const Platform& platform, DisplayEngineProtocol& displayEngine)
     : platform_(platform),
       displayEngine_(displayEngine),
-      hazeOverWindowStyle_(platform.userDefaults, "hazeOverWindowStyle",
-                           HazeOverWindowStyle::fadeOutExceptDockMenuBarAndFrontmostApp),
-      hazeOverWindowOpacity_(platform.userDefaults, "hazeOverWindowOpacity", 0.2),
+      hazeOverWindowStyle_(platform.userDefaults,
+                           {"hazeOverWindowStyle", HazeOverWindowStyle::fadeOutExceptDockMenuBarAndFrontmostApp}),
+      hazeOverWindowOpacity_(platform.userDefaults, {"hazeOverWindowOpacity", 0.2}),
       panel_(platform.panels.makeDimmingPanel()) {}
 
 void HazeOverWindow::show() {

@@ -4,7 +4,6 @@
 #include <memory>
 
 #include "display/DisplayEngineProtocol.h"
-#include "display/HazeOverWindowStyle.h"
 #include "platform/Panels.h"
 #include "platform/Platform.h"
 #include "shell/Setting.h"

@@ -21,8 +21,8 @@ PanelRect grown(PanelRect frame, double margin) {
 }  // namespace
 
 TargetLook::TargetLook(UserDefaults& defaults, SystemColors& system)
-    : targetsColor_(defaults, "targetsColor", TargetsColor::findHighlight),
-      targetsCustomColorHue_(defaults, "targetsCustomColorHue", kDefaultHue),
+    : targetsColor_(defaults, {"targetsColor", TargetsColor::findHighlight}),
+      targetsCustomColorHue_(defaults, {"targetsCustomColorHue", kDefaultHue}),
       system_(system) {}
 
 TargetView::TargetView(const TargetLook& look, bool primary, PanelRect frame)

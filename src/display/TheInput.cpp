@@ -34,12 +34,12 @@ TheInput::TheInput(const Platform& platform, DisplayEngineProtocol& displayEngin
       displayEngine_(displayEngine),
       session_(session),
       sauce_(sauce),
-      inputPosition_(platform.userDefaults, "inputPosition", InputPosition::aboveWindow),
-      dontFlushTheInput_(platform.userDefaults, "dontFlushTheInput", false),
-      inputTextSize_(platform.userDefaults, "inputTextSize", InputLook().textSize),
-      inputBackgroundOpacity_(platform.userDefaults, "inputBackgroundOpacity", InputLook().backgroundOpacity),
-      inputCornerRadius_(platform.userDefaults, "inputCornerRadius", InputLook().cornerRadius),
-      inputBorderThickness_(platform.userDefaults, "inputBorderThickness", InputLook().borderThickness),
+      inputPosition_(platform.userDefaults, {"inputPosition", InputPosition::aboveWindow}),
+      dontFlushTheInput_(platform.userDefaults, {"dontFlushTheInput", false}),
+      inputTextSize_(platform.userDefaults, {"inputTextSize", InputLook().textSize}),
+      inputBackgroundOpacity_(platform.userDefaults, {"inputBackgroundOpacity", InputLook().backgroundOpacity}),
+      inputCornerRadius_(platform.userDefaults, {"inputCornerRadius", InputLook().cornerRadius}),
+      inputBorderThickness_(platform.userDefaults, {"inputBorderThickness", InputLook().borderThickness}),
       panel_(platform.panels.makeInputPanel()) {
     applyLook();
     subscriptions_.push_back(platform.userDefaults.onChange([this](std::string_view) { applyLook(); }));

@@ -6,7 +6,6 @@
 
 #include "base/Listeners.h"
 #include "display/DisplayEngineProtocol.h"
-#include "display/InputPosition.h"
 #include "display/QuerySession.h"
 #include "display/TheInputProtocol.h"
 #include "keys/Sauce.h"

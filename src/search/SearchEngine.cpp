@@ -32,9 +32,9 @@ OrderedSet<AccessibilityElement> alone(const AccessibilityElement& element) { re
 }  // namespace
 
 SearchEngine::SearchEngine(const Platform& platform)
-    : searchIncludesTrafficLightButtons_(platform.userDefaults, "searchIncludesTrafficLightButtons", false),
-      fuzzyMatchingFlavor_(platform.userDefaults, "fuzzyMatchingFlavor", FuzzyMatchingFlavor::tarvixClassic),
-      ignoreSafariTabsAndURLs_(platform.userDefaults, "ignoreSafariTabsAndURLs", false),
+    : searchIncludesTrafficLightButtons_(platform.userDefaults, {"searchIncludesTrafficLightButtons", false}),
+      fuzzyMatchingFlavor_(platform.userDefaults, {"fuzzyMatchingFlavor", FuzzyMatchingFlavor::tarvixClassic}),
+      ignoreSafariTabsAndURLs_(platform.userDefaults, {"ignoreSafariTabsAndURLs", false}),
       axEngine_(platform.accessibility, platform.workspace),
       windowServer_(platform.windowServer) {}
 

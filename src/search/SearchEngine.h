@@ -10,7 +10,6 @@
 #include "ax/AccessibilityElement.h"
 #include "base/OrderedSet.h"
 #include "platform/Platform.h"
-#include "search/FuzzyMatchingFlavor.h"
 #include "search/MatchIndex.h"
 #include "shell/Setting.h"
 

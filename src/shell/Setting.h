@@ -5,49 +5,55 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <type_traits>
-#include <utility>
 #include <variant>
 
 #include "platform/UserDefaults.h"
+#include "shell/SettingsTable.h"
 
 namespace tarvix {
 
-// An enumeration that is stored by the raw value of its case. It declares, in its own namespace,
-//     std::string_view rawValue(Case);
-//     std::optional<Case> caseFromRawValue(std::type_identity<Case>, std::string_view rawValue);
 template <class T>
-concept SettingEnumeration = std::is_enum_v<T> && requires(T value, std::string_view text) {
-    { rawValue(value) } -> std::convertible_to<std::string_view>;
-    { caseFromRawValue(std::type_identity<T>{}, text) } -> std::same_as<std::optional<T>>;
+concept SettingType = std::same_as<T, bool> || std::same_as<T, double> || SettingEnumeration<T>;
+
+// The key with the default that stands for an absent or unusable value, as literals at the view. What isn't in the
+// table of settings doesn't compile.
+template <SettingType T>
+struct SettingKey {
+    consteval SettingKey(std::string_view theKey, T theDefault) : key(theKey), defaultValue(theDefault) {
+        if (!isInSettingsTable(theKey, theDefault)) throw "no such setting, or another type or default";
+    }
+
+    std::string_view key;
+    T defaultValue;
 };
 
-// Holds nothing but the key and the default that stands for an absent or unusable value, and reads the store at each
-// use, so that a change by anyone applies at once. The store must outlive the view; threads are the store's.
-template <class T>
-requires std::same_as<T, bool> || std::same_as<T, double> || SettingEnumeration<T>
+// Reads the store at each use, so that a change by anyone applies at once. The store must outlive the view; threads are
+// the store's.
+template <SettingType T>
 class Setting {
 public:
-    Setting(UserDefaults& defaults, std::string key, T defaultValue)
-        : defaults_(&defaults), key_(std::move(key)), default_(defaultValue) {}
+    Setting(UserDefaults& defaults, SettingKey<T> key) : defaults_(&defaults), key_(key) {}
 
     T value() const {
-        const auto stored = defaults_->get(key_);
-        return stored ? usable(*stored).value_or(default_) : default_;
+        const auto stored = defaults_->get(key_.key);
+        return stored ? usable(*stored).value_or(key_.defaultValue) : key_.defaultValue;
     }
 
     void set(T value) {
         if constexpr (SettingEnumeration<T>)
-            defaults_->set(key_, std::string(rawValue(value)));
+            defaults_->set(key_.key, std::string(rawValue(value)));
         else
-            defaults_->set(key_, value);
+            defaults_->set(key_.key, value);
     }
+
+    std::string_view key() const { return key_.key; }
+    bool isStored() const { return defaults_->get(key_.key).has_value(); }
 
 private:
     static std::optional<T> usable(const UserDefaults::Value& stored) {
         if constexpr (SettingEnumeration<T>) {
             const auto* text = std::get_if<std::string>(&stored);
-            return text ? caseFromRawValue(std::type_identity<T>{}, *text) : std::nullopt;
+            return text ? caseFromRawValue<T>(*text) : std::nullopt;
         } else {
             const T* value = std::get_if<T>(&stored);
             return value ? std::optional<T>(*value) : std::nullopt;
@@ -55,8 +61,7 @@ private:
     }
 
     UserDefaults* defaults_;
-    std::string key_;
-    T default_;
+    SettingKey<T> key_;
 };
 
 }  // namespace tarvix

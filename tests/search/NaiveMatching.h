@@ -14,7 +14,7 @@
 #include "ax/AccessibilityElement.h"
 #include "base/OrderedSet.h"
 #include "base/Text.h"
-#include "search/FuzzyMatchingFlavor.h"
+#include "shell/SettingEnumerations.h"
 
 namespace tarvix::naive {
 
