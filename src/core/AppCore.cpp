@@ -40,6 +40,9 @@ void AppCore::makeServices() {
     sessionEnd_ = tarvixEngine_->onSessionEnded([this] { inspector_->close(); });
     eventTapController_ = std::make_unique<EventTapController>(
         platform_.eventTaps, platform_.runLoop, platform_.userDefaults, *tarvixEngine_, *theInput_, *inspector_);
+    // After The Input, which has taken on a new look by the time that it is shown with it.
+    inputPreviewer_ = std::make_unique<InputPreviewer>(*theInput_, *tarvixEngine_);
+    theInputMakeup_ = std::make_unique<TheInputMakeup>(platform_.userDefaults, platform_.runLoop, *inputPreviewer_);
 }
 
 // The handlers go first, so that a second start doesn't leave two of them.

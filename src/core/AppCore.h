@@ -5,6 +5,7 @@
 
 #include "KeyboardShortcuts/KeyboardShortcuts.h"
 #include "core/EventTapController.h"
+#include "core/InputPreviewer.h"
 #include "core/KeyRouting.h"
 #include "core/LocalMonitorController.h"
 #include "core/Preloading.h"
@@ -14,6 +15,7 @@
 #include "display/TheInput.h"
 #include "keys/Sauce.h"
 #include "platform/Platform.h"
+#include "shell/TheInputMakeup.h"
 
 namespace tarvix {
 
@@ -52,6 +54,8 @@ private:
     std::unique_ptr<LocalMonitorController> localMonitorController_;
     std::unique_ptr<Inspector> inspector_;
     std::unique_ptr<EventTapController> eventTapController_;
+    std::unique_ptr<InputPreviewer> inputPreviewer_;
+    std::unique_ptr<TheInputMakeup> theInputMakeup_;
     Subscription sessionEnd_;
 };
 

@@ -21,10 +21,6 @@ inline constexpr std::string_view didAppear = "TarvixInputDidAppear";
 inline constexpr std::string_view didDisappear = "TarvixInputDidDisappear";
 }  // namespace inputNotification
 
-// Where a panel of this size has its bottom left corner so that it stands on top of an object, and on the screen at its
-// left, right and top edges; the bottom doesn't matter, as the panel goes upwards.
-PanelPoint clampedOrigin(PanelPoint objectTopLeft, Size panel, const Screen& screen);
-
 // Made once and shown and hidden. It ends the session when it loses the keyboard or is cancelled. What is given
 // outlives it.
 class TheInput : public TheInputProtocol {
@@ -40,6 +36,8 @@ public:
         return visibilityChanged_.add(std::move(changed));
     }
     const std::string& value() const override { return value_; }
+    // The field takes over a text; the markers stay as they are.
+    void setValue(const std::string& text);
     void setShowPreloading(bool shows) override;
     bool showPreloading() const { return showPreloading_; }
 
@@ -52,7 +50,7 @@ private:
     bool placeAtWindow(InputPosition position);
     void placeAtMouse();
     void moveTo(PanelPoint objectTopLeft, const Screen& screen);
-    void setValue(const std::string& text);
+    void stayInSight();
     void valueChanged(const std::string& text);
     void widthChanged(double width);
     void selectText();
@@ -72,6 +70,8 @@ private:
     bool showPreloading_ = false;
     InputLook look_;  // what a new panel looks like
     std::unique_ptr<InputPanel> panel_;
+    PanelPoint corner_;             // of the first screen: where it stands until somebody moves it
+    double firstScreenHeight_ = 0;  // which its place goes by
     Listeners<> visibilityChanged_;
     std::vector<Subscription> subscriptions_;
 };
