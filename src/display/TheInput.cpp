@@ -1,10 +1,10 @@
 #include "display/TheInput.h"
 
 #include <algorithm>
-#include <array>
 
 #include "base/Text.h"
 #include "display/FocusedApplication.h"
+#include "display/InputPlacement.h"
 #include "keys/KeyCombinationAdaptor.h"
 #include "platform/Events.h"
 #include "platform/NotificationCenter.h"
@@ -17,16 +17,6 @@ namespace {
 constexpr double kLeastWidth = 32;
 
 }  // namespace
-
-PanelPoint clampedOrigin(PanelPoint objectTopLeft, Size panel, const Screen& screen) {
-    const double right = screen.minX() + screen.width();
-    const double top = screen.minY() + screen.height();
-    const bool fits = objectTopLeft.x + panel.width < right;
-    return {objectTopLeft.x < screen.minX() ? screen.minX()
-            : fits                          ? objectTopLeft.x
-                                            : right - panel.width,
-            top < objectTopLeft.y + panel.height ? top - panel.height : objectTopLeft.y};
-}
 
 TheInput::TheInput(const Platform& platform, DisplayEngineProtocol& displayEngine, QuerySession& session,
                    const Sauce& sauce)
@@ -42,6 +32,7 @@ TheInput::TheInput(const Platform& platform, DisplayEngineProtocol& displayEngin
       inputBorderThickness_(platform.userDefaults, {"inputBorderThickness", InputLook().borderThickness}),
       panel_(platform.panels.makeInputPanel()) {
     applyLook();
+    stayInSight();
     subscriptions_.push_back(platform.userDefaults.onChange([this](std::string_view) { applyLook(); }));
     subscriptions_.push_back(panel_->onMeasured([this](double width) { widthChanged(width); }));
     subscriptions_.push_back(panel_->onTextChanged([this](const std::string& text) { valueChanged(text); }));
@@ -56,6 +47,7 @@ void TheInput::open() {
 
 void TheInput::openInPlace(const std::string& text) {
     setValue(text);
+    stayInSight();
     show();
     appeared();
 }
@@ -88,6 +80,7 @@ void TheInput::close() {
 }
 
 void TheInput::placeAndShow() {
+    stayInSight();
     if (place(inputPosition_.value())) show();
 }
 
@@ -128,6 +121,24 @@ void TheInput::placeAtMouse() {
 void TheInput::moveTo(PanelPoint objectTopLeft, const Screen& screen) {
     const Size size = panel_->frame().size;
     panel_->setFrame({clampedOrigin(objectTopLeft, size, screen), size});
+}
+
+// Monitors come, go and change their sizes. Its place is kept by the pixels that it is on, which are counted from the
+// upper edge; in panel coordinates they are others when the first screen is of another height.
+void TheInput::stayInSight() {
+    const std::vector<Screen> screens = displayEngine_.screens();
+    if (screens.empty()) return;
+    const PanelRect frame = panel_->frame();
+    const Screen& first = screens.front();
+    PanelPoint origin = frame.origin;
+    if (origin == corner_) {
+        origin = corner_ = first.frame.origin;
+    } else {
+        origin.y += first.height() - firstScreenHeight_;
+    }
+    firstScreenHeight_ = first.height();
+    origin = visibleOrigin({origin, frame.size}, screens);
+    if (origin != frame.origin) panel_->setFrame({origin, frame.size});
 }
 
 void TheInput::setShowPreloading(bool shows) {

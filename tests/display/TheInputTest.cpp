@@ -12,43 +12,6 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr Screen kScreen{{{0, 0}, {1600, 1000}}};
-constexpr Size kPanel{200, 40};
-
-TEST(ClampedOrigin, ThePanelStandsOnTopOfTheObject) {
-    EXPECT_EQ(clampedOrigin({300, 500}, kPanel, kScreen), (PanelPoint{300, 500}));
-}
-
-TEST(ClampedOrigin, AnObjectLeftOfTheScreenPutsItAtTheLeftEdge) {
-    EXPECT_EQ(clampedOrigin({-50, 500}, kPanel, kScreen), (PanelPoint{0, 500}));
-    EXPECT_EQ(clampedOrigin({1590, 500}, kPanel, {{{1600, 0}, {800, 600}}}), (PanelPoint{1600, 500}));
-}
-
-TEST(ClampedOrigin, APanelThatWouldReachOverTheRightEdgeEndsThere) {
-    EXPECT_EQ(clampedOrigin({1500, 500}, kPanel, kScreen), (PanelPoint{1400, 500}));
-    EXPECT_EQ(clampedOrigin({1400.5, 500}, kPanel, kScreen), (PanelPoint{1400, 500}));
-}
-
-TEST(ClampedOrigin, APanelThatEndsExactlyAtTheRightEdgeStaysAboveItsObject) {
-    EXPECT_EQ(clampedOrigin({1400, 500}, kPanel, kScreen), (PanelPoint{1400, 500}));
-}
-
-TEST(ClampedOrigin, AtTheTopOfTheScreenItCoversTheObject) {
-    EXPECT_EQ(clampedOrigin({300, 1000}, kPanel, kScreen), (PanelPoint{300, 960}));
-    EXPECT_EQ(clampedOrigin({300, 960}, kPanel, kScreen), (PanelPoint{300, 960}));
-    EXPECT_EQ(clampedOrigin({300, 961}, kPanel, kScreen), (PanelPoint{300, 960}));
-}
-
-TEST(ClampedOrigin, OnASecondScreenItsOwnTopCounts) {
-    const Screen above{{{0, 1000}, {1600, 900}}};
-    EXPECT_EQ(clampedOrigin({300, 1890}, kPanel, above), (PanelPoint{300, 1860}));
-    EXPECT_EQ(clampedOrigin({300, 1500}, kPanel, above), (PanelPoint{300, 1500}));
-}
-
-TEST(ClampedOrigin, TheBottomOfTheScreenIsNoLimit) {
-    EXPECT_EQ(clampedOrigin({300, -500}, kPanel, kScreen), (PanelPoint{300, -500}));
-}
-
 class RecordingSession : public QuerySession {
 public:
     OrderedSet<AccessibilityElement> filteredElements(std::string_view query) override {
