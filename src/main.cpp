@@ -28,6 +28,7 @@
 #include "qt/QtPanels.h"
 #include "qt/QtPasteboard.h"
 #include "qt/QtRunLoop.h"
+#include "qt/QtScreenReader.h"
 #include "qt/QtUserDefaults.h"
 #include "qt/TerminationSignals.h"
 
@@ -82,6 +83,9 @@ void keepToPixels() {
     qputenv("QT_QPA_PLATFORM", "xcb");
 }
 
+// Qt looks only once whether accessibility is on, and this program is often what switches it on.
+void beThereForScreenReaders() { qputenv("QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "1"); }
+
 // A service that there is no program without.
 template <class Service>
 std::unique_ptr<Service> require(Outcome<std::unique_ptr<Service>> service) {
@@ -109,6 +113,9 @@ int run(std::unique_ptr<X11Windows> windows, const QProcessEnvironment& environm
     const auto windowServer = require(X11WindowServer::open(*windows));
     const auto workspace = require(X11Workspace::open(*connection, *windows));
     const auto accessibility = require(AtspiService::open(*windows));
+    QtScreenReader screenReader;
+    workspace->setScreenReader({[&] { return screenReader.isRunning(); },
+                                [&](std::string_view text, int priority) { screenReader.announce(text, priority); }});
     QtPanels panels({*keyboard, *screens, milestones});
     connection->watch(runLoop);
     const Subscription hotKeyPressed = hotKeys->onHotKey([&](HotKeyEvent event, std::uint32_t) {
@@ -148,6 +155,7 @@ int main(int count, char** arguments) {
     auto windows = require(X11Windows::open());
     const QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     keepToPixels();
+    beThereForScreenReaders();
     QApplication application(count, arguments);
     QApplication::setApplicationName("tarvix");
     QApplication::setApplicationDisplayName("Tarvix");

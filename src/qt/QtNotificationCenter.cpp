@@ -2,19 +2,10 @@
 
 #include <QDBusConnection>
 #include <QDBusMessage>
-#include <QFileInfo>
+
+#include "qt/SessionBus.h"
 
 namespace tarvix {
-
-namespace {
-
-// Asked before connecting: where there is no bus, connecting would start one through a helper program and wait for it.
-bool haveSessionBus() {
-    return !qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS") ||
-           QFileInfo::exists(qEnvironmentVariable("XDG_RUNTIME_DIR") + "/bus");
-}
-
-}  // namespace
 
 QtNotificationCenter::QtNotificationCenter() {
     if (haveSessionBus()) QDBusConnection::sessionBus();

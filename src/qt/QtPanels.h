@@ -2,6 +2,7 @@
 #pragma once
 
 #include "qt/AfterTheInput.h"
+#include "qt/PanelAccessibility.h"
 #include "qt/PanelServices.h"
 #include "qt/QtSystemColors.h"
 
@@ -12,6 +13,7 @@ class QtPanels : public Panels {
 public:
     explicit QtPanels(const PanelServices& services) : services_(services) {
         services_.afterTheInput = &afterTheInput_;
+        describePanelsToScreenReaders();
     }
 
     std::unique_ptr<InputPanel> makeInputPanel() override;
