@@ -15,9 +15,10 @@ constexpr double kFuchsiaHue = 0.84;
 }  // namespace
 
 Color colorFromHsb(double hue, double saturation, double brightness) {
+    const double sixths = std::clamp(hue, 0.0, 1.0) * 6;
     // One channel of the colour circle: full for a third of it, `turn` sixths after red.
     const auto channel = [&](double turn) {
-        const double place = std::fmod(turn + hue * 6, 6);
+        const double place = std::fmod(turn + sixths, 6);
         const double distance = std::clamp(std::min(place, 4 - place), 0.0, 1.0);
         return brightness * (1 - saturation * distance);
     };

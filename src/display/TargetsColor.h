@@ -6,7 +6,7 @@
 
 namespace tarvix {
 
-// Hue, saturation and brightness from 0 to 1; a hue of 1 is red again.
+// Hue, saturation and brightness from 0 to 1; a hue of 1 is red again, and one beyond the ends is that of the end.
 Color colorFromHsb(double hue, double saturation, double brightness);
 
 // The colour that a case stands for now; the system's own change with the appearance of the desktop.

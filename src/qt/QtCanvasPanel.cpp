@@ -1,5 +1,6 @@
 #include "qt/QtCanvasPanel.h"
 
+#include <QPaintEngine>
 #include <QPaintEvent>
 #include <QPainter>
 #include <QWidget>
@@ -7,6 +8,8 @@
 
 #include "base/Subscription.h"
 #include "qt/AfterTheInput.h"
+#include "qt/MarkerChanges.h"
+#include "qt/MarkerPainter.h"
 #include "qt/MarkerPainting.h"
 #include "qt/ServerSync.h"
 
@@ -14,10 +17,31 @@ namespace tarvix {
 
 namespace {
 
-// A region of many rectangles costs more to look through than its bounding rectangle costs to paint.
-QRegion simplified(const QRegion& region) {
-    constexpr int kMostRects = 400;
-    return region.rectCount() > kMostRects ? QRegion(region.boundingRect()) : region;
+// Beyond this a region costs more to look through than its bounding rectangle costs to paint.
+constexpr std::size_t kMostRects = 400;
+
+// Two and two, since adding them one by one to a growing region takes quadratic time.
+QRegion unite(std::vector<QRegion> regions) {
+    if (regions.empty()) return {};
+    for (std::size_t step = 1; step < regions.size(); step *= 2)
+        for (std::size_t i = 0; i + step < regions.size(); i += 2 * step) regions[i] += regions[i + step];
+    return regions.front();
+}
+
+// Rectangles that cover all of these, and not much more.
+QRegion covering(const std::vector<QRect>& rects) {
+    if (rects.size() <= kMostRects) return unite({rects.begin(), rects.end()});
+    QRect bounding;
+    for (const QRect& rect : rects) bounding |= rect;
+    return bounding;
+}
+
+// The pixels that a painter paints on, if they are such as can be painted on directly.
+QImage* surfaceOf(QPainter& painter) {
+    QPaintDevice* device = painter.paintEngine()->paintDevice();
+    if (!device || device->devType() != QInternal::Image || device->devicePixelRatio() != 1) return nullptr;
+    auto* image = static_cast<QImage*>(device);
+    return MarkerPainter::suits(*image) ? image : nullptr;
 }
 
 // Outside of every window: an empty mask would mean no mask at all.
@@ -66,15 +90,14 @@ public:
 protected:
     void paintEvent(QPaintEvent* event) override {
         QPainter painter(this);
-        MarkerPainter markers(painter);
-        const QRegion exposed = simplified(event->region());
+        QImage* surface = translucent_ ? surfaceOf(painter) : nullptr;
+        if (surface) markerPainter_.begin(*surface, event->region());
         for (const MarkerDrawing& marker : markers_) {
             const QRectF bounds = boundsOf(marker);
-            if (!exposed.intersects(bounds.toAlignedRect())) continue;
-            if (translucent_) {
-                markers.paint(marker, bounds);
-            } else {
-                paintOpaqueMarker(painter, marker, bounds);
+            if (surface) {
+                markerPainter_.paint(marker, bounds);
+            } else if (event->region().intersects(bounds.toAlignedRect())) {
+                (translucent_ ? paintMarker : paintOpaqueMarker)(painter, marker, bounds);
             }
         }
     }
@@ -107,10 +130,10 @@ private:
 
     QRegion changedRegion(const std::vector<MarkerDrawing>& next) const {
         const MarkerChanges changes = markerChanges(markers_, next);
-        std::vector<QRegion> rects;
-        for (const std::size_t i : changes.gone) rects.emplace_back(boundsOf(markers_[i]).toAlignedRect());
-        for (const std::size_t i : changes.come) rects.emplace_back(boundsOf(next[i]).toAlignedRect());
-        return simplified(unite(std::move(rects)));
+        std::vector<QRect> rects;
+        for (const std::size_t i : changes.gone) rects.push_back(boundsOf(markers_[i]).toAlignedRect());
+        for (const std::size_t i : changes.come) rects.push_back(boundsOf(next[i]).toAlignedRect());
+        return covering(rects);
     }
 
     QRegion outlines() const {
@@ -123,6 +146,7 @@ private:
     std::string_view drawn_;
     std::vector<MarkerDrawing> markers_;  // as painted
     QPointF corner_;
+    MarkerPainter markerPainter_;
     bool translucent_ = true;
     bool unreported_ = false;
 };

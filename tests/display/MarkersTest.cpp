@@ -61,6 +61,11 @@ TEST(TargetsColor, HueGoesRoundTheColourCircle) {
     EXPECT_EQ(colorFromHsb(1, 1, 1), (Color{1, 0, 0, 1}));
 }
 
+TEST(TargetsColor, AHueBeyondTheEndsIsThatOfTheEnd) {
+    EXPECT_EQ(colorFromHsb(-0.5, 1, 1), (Color{1, 0, 0, 1}));
+    EXPECT_EQ(colorFromHsb(1.5, 1, 1), (Color{1, 0, 0, 1}));
+}
+
 TEST(TargetsColor, WithoutSaturationThereIsGreyAndWithoutBrightnessBlack) {
     EXPECT_EQ(colorFromHsb(0.3, 0, 0.5), (Color{0.5, 0.5, 0.5, 1}));
     EXPECT_EQ(colorFromHsb(0.3, 1, 0), (Color{0, 0, 0, 1}));
@@ -168,6 +173,45 @@ TEST_F(Markers, AChangedSettingShowsWithTheNextRedrawOfAMarkerAndLeavesFramesAlo
     EXPECT_EQ(painted()[1].shapes.front().color, panels.systemColors.highlight);
     left->setNeedsDisplay();
     EXPECT_EQ(painted()[1].shapes.size(), 3u);
+}
+
+TEST_F(Markers, TheScreenReaderLookKeepsTheCornersOfTheColourLookBeforeIt) {
+    const auto view = add(false);
+    painted();
+    defaults.set("targetsColor", "voiceOver");
+    view->setNeedsDisplay();
+    EXPECT_THAT(painted(), ElementsAre(Field(&MarkerDrawing::cornerRadius, 8)));
+}
+
+TEST_F(Markers, AMarkerMadeForTheScreenReaderStaysLargerInAnotherLook) {
+    defaults.set("targetsColor", "voiceOver");
+    const auto view = add(true);
+    painted();
+    defaults.set("targetsColor", "accent");
+    view->setNeedsDisplay();
+    const MarkerDrawing block{{{7, 947}, {106, 36}}, 0.6, 5, {MarkerShape{0, 0, panels.systemColors.accent}}};
+    EXPECT_THAT(painted(), ElementsAre(block));
+}
+
+TEST_F(Markers, ASystemColourIsThatOfTheDesktopAtTheTimeOfDrawing) {
+    const auto view = add(true);
+    painted();
+    panels.systemColors.highlight = {0, 1, 0, 1};
+    EXPECT_EQ(painted().front().shapes.front().color, (Color{1, 1, 0, 1}));
+    view->setNeedsDisplay();
+    EXPECT_EQ(painted().front().shapes.front().color, (Color{0, 1, 0, 1}));
+}
+
+TEST_F(Markers, AfterAMoveTheNewPrimaryOneIsTheBlockAndTheOldOneAnOutline) {
+    const auto first = add(true), second = add(false, {{200, 950}, {100, 30}});
+    painted();
+    first->isPrimary = false;
+    second->isPrimary = true;
+    first->setNeedsDisplay();
+    second->setNeedsDisplay();
+    EXPECT_THAT(painted(), ElementsAre(Field(&MarkerDrawing::alpha, 0.9), Field(&MarkerDrawing::alpha, 0.6)));
+    EXPECT_EQ(painted()[0].shapes, (std::vector{MarkerShape{2, 2, panels.systemColors.highlight}}));
+    EXPECT_EQ(painted()[1].shapes, (std::vector{MarkerShape{0, 0, panels.systemColors.highlight}}));
 }
 
 TEST_F(Markers, BeingPrimaryIsAPlainFlagThatShowsWhenARedrawIsAskedFor) {
