@@ -184,9 +184,9 @@ void X11Connection::flush() {
 
 void X11Connection::sync() { reply<xcb_get_input_focus_reply>(xcb_get_input_focus(connection_)); }
 
-void X11Connection::keepEvents() {
+void X11Connection::keepEvents(xcb_generic_event_t* (*next)(xcb_connection_t*)) {
     const bool hadNone = kept_.empty();
-    while (Reply<xcb_generic_event_t> event{xcb_poll_for_queued_event(connection_)})
+    while (Reply<xcb_generic_event_t> event{next(connection_)})
         if (keepsEvents()) kept_.push_back(std::move(event));
     if (hadNone && !kept_.empty() && wakeUp_ >= 0) eventfd_write(wakeUp_, 1);
 }
@@ -213,6 +213,11 @@ std::vector<Reply<xcb_generic_event_t>> X11Connection::takeArrived(
         }
     }
     return taken;
+}
+
+bool X11Connection::hasArrived(const std::function<bool(const xcb_generic_event_t&)>& wanted) {
+    keepEvents(xcb_poll_for_event);
+    return std::any_of(kept_.begin(), kept_.end(), [&](const auto& event) { return wanted(*event); });
 }
 
 Subscription X11Connection::after(std::chrono::milliseconds delay, std::function<void()> elapsed) {

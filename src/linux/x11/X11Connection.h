@@ -108,6 +108,9 @@ public:
     void handOutArrived();
     // Takes those that have arrived and that `wanted` says yes to out of the line.
     std::vector<Reply<xcb_generic_event_t>> takeArrived(const std::function<bool(const xcb_generic_event_t&)>& wanted);
+    // Whether one that `wanted` says yes to has come and waits in the line. Nothing is asked of the server, but what it
+    // has sent is read: what another client's request has led to is known as soon as that client knows of it.
+    bool hasArrived(const std::function<bool(const xcb_generic_event_t&)>& wanted);
     // Whether an event is being handed out right now.
     bool isHandingOut() const { return handingOut_ > 0; }
     // Calls back once after a delay, on the loop that watches; never without one.
@@ -122,7 +125,7 @@ public:
 private:
     X11Connection(xcb_connection_t* connection, int screenNumber, const xcb_screen_t* screen);
     bool keepsEvents() const { return wakeUp_ >= 0 || !handlers_->empty(); }
-    void keepEvents();
+    void keepEvents(xcb_generic_event_t* (*next)(xcb_connection_t*) = xcb_poll_for_queued_event);
     void handOutEvents();
     void handOut(const xcb_generic_event_t& event);
 

@@ -31,7 +31,38 @@ Outcome<std::unique_ptr<X11Screens>> X11Screens::open(X11Connection& connection)
     return std::unique_ptr<X11Screens>(new X11Screens(connection, hasMonitors));
 }
 
+X11Screens::X11Screens(X11Connection& connection, bool hasMonitors) : x_(connection), hasMonitors_(hasMonitors) {
+    // What a user defines as a monitor is told of as a change of the root window alone.
+    x_.selectOnRoot(XCB_EVENT_MASK_STRUCTURE_NOTIFY);
+    if (hasMonitors_) {
+        firstEvent_ = x_.extension(xcb_randr_id)->first_event;
+        xcb_randr_select_input(x_.get(), x_.root(),
+                               XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE |
+                                   XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE | XCB_RANDR_NOTIFY_MASK_RESOURCE_CHANGE);
+    }
+    changes_ = x_.onEvent([this](const xcb_generic_event_t& event) {
+        if (tellsOfMonitors(event)) monitors_.clear();
+        return X11Connection::Handled::no;
+    });
+    x_.flush();
+}
+
+bool X11Screens::tellsOfMonitors(const xcb_generic_event_t& event) const {
+    const int type = event.response_type & 0x7f;
+    if (type == XCB_CONFIGURE_NOTIFY)
+        return reinterpret_cast<const xcb_configure_notify_event_t&>(event).window == x_.root();
+    return hasMonitors_ &&
+           (type == firstEvent_ + XCB_RANDR_SCREEN_CHANGE_NOTIFY || type == firstEvent_ + XCB_RANDR_NOTIFY);
+}
+
+// An event that waits to be handed out has made the list a thing of the past already.
 std::vector<AxRect> X11Screens::monitors() {
+    if (x_.hasArrived([this](const xcb_generic_event_t& event) { return tellsOfMonitors(event); })) monitors_.clear();
+    if (monitors_.empty()) monitors_ = readMonitors();
+    return monitors_;
+}
+
+std::vector<AxRect> X11Screens::readMonitors() {
     std::vector<AxRect> found;
     if (hasMonitors_) {
         const auto answer = x_.reply<xcb_randr_get_monitors_reply>(xcb_randr_get_monitors(x_.get(), x_.root(), 1));

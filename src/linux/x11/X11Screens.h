@@ -1,17 +1,20 @@
 // The monitors and the pointer.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <vector>
 
 #include "base/Outcome.h"
+#include "base/Subscription.h"
 #include "linux/x11/X11Connection.h"
 #include "platform/Screens.h"
 
 namespace tarvix {
 
-// Units are pixels of the root window. Every answer is asked of the server anew, in one or two round trips.
+// Units are pixels of the root window. The monitors are asked for once and kept until the server says that they have
+// changed; the pointer and the active window are asked for each time, in one or two round trips.
 class X11Screens final : public Screens {
 public:
     // The connection outlives the screens.
@@ -23,14 +26,19 @@ public:
     PanelPoint mouseLocation() override;
 
 private:
-    X11Screens(X11Connection& connection, bool hasMonitors) : x_(connection), hasMonitors_(hasMonitors) {}
+    X11Screens(X11Connection& connection, bool hasMonitors);
     // The monitors in root coordinates, the primary one first; the whole root window where the server knows of none.
     std::vector<AxRect> monitors();
+    std::vector<AxRect> readMonitors();
+    bool tellsOfMonitors(const xcb_generic_event_t& event) const;
     std::optional<AxRect> activeWindow();
     AxPoint pointer();
 
     X11Connection& x_;
     bool hasMonitors_;
+    std::uint8_t firstEvent_ = 0;   // of the extension that tells of monitors
+    std::vector<AxRect> monitors_;  // empty until they are asked for
+    Subscription changes_;
 };
 
 }  // namespace tarvix
