@@ -54,7 +54,7 @@ inline constexpr auto settingRows = std::to_array<SettingRow>({
      "how the query is matched: `tarvixClassic` takes any part of a word, `tarvixExtended` the first letters of "
      "consecutive words besides",
      "SearchEngine", settingsTable::flavors},
-    {"ignoreSafariTabsAndURLs", false, true, "leave tabs and the address bar out of the search in that browser",
+    {"ignoreSafariTabsAndURLs", false, true, "leave tabs and the address bar out of the search in Safari, which there is no Linux version of",
      "SearchEngine"},
     {"hazeOverWindowStyle", "fadeOutExceptDockMenuBarAndFrontmostApp", "onlyTargets",
      "what is dimmed during a search: nothing, the whole screen, or everything but the window, docks and panels",
