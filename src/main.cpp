@@ -1,6 +1,7 @@
 // The program: the one place that knows which implementations run.
 #include <QApplication>
 #include <QProcessEnvironment>
+#include <QStandardPaths>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
@@ -10,6 +11,9 @@
 #include "core/AppCore.h"
 #include "core/KeyHelp.h"
 #include "linux/atspi/AtspiService.h"
+#include "linux/desktops/DesktopAppearance.h"
+#include "linux/desktops/GtkAppearance.h"
+#include "linux/desktops/KdeAppearance.h"
 #include "linux/x11/X11Connection.h"
 #include "linux/x11/X11EventTaps.h"
 #include "linux/x11/X11Events.h"
@@ -18,11 +22,15 @@
 #include "linux/x11/X11InputSources.h"
 #include "linux/x11/X11Keyboard.h"
 #include "linux/x11/X11Screens.h"
+#include "linux/x11/X11Settings.h"
 #include "linux/x11/X11WindowServer.h"
 #include "linux/x11/X11Windows.h"
 #include "linux/x11/X11Workspace.h"
 #include "platform/Platform.h"
+#include "qt/FileAppearance.h"
 #include "qt/MilestoneFile.h"
+#include "qt/PaletteAppearance.h"
+#include "qt/PortalAppearance.h"
 #include "qt/QtApplication.h"
 #include "qt/QtNotificationCenter.h"
 #include "qt/QtPanels.h"
@@ -94,6 +102,26 @@ std::unique_ptr<Service> require(Outcome<std::unique_ptr<Service>> service) {
     std::exit(kFailure);
 }
 
+// Everything that may know how the desktop looks.
+struct DesktopAppearanceSources {
+    explicit DesktopAppearanceSources(X11Connection& connection) : xsettings(connection) {}
+
+    static QString configuration(const QString& name) {
+        return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + "/" + name;
+    }
+    static AppearanceTold gtkFile(std::string_view text) {
+        return gtkAppearance(gtkChoice(text), installedGtkThemeSheet);
+    }
+
+    PortalAppearance portal;
+    X11Settings xsettings;
+    FileAppearance kde{configuration("kdeglobals"), kdeAppearance};
+    FileAppearance gtk{configuration("gtk-3.0/settings.ini"), gtkFile};
+    PaletteAppearance toolkit;
+    DesktopAppearance together{{portal, xsettings, kde, gtk, toolkit},
+                               qEnvironmentVariable("XDG_CURRENT_DESKTOP").toStdString()};
+};
+
 int run(std::unique_ptr<X11Windows> windows, const QProcessEnvironment& environment, X11Remains& remains) {
     QtRunLoop runLoop;
     MilestoneFile milestones(qEnvironmentVariable("TARVIX_MILESTONES").toStdString());
@@ -116,7 +144,8 @@ int run(std::unique_ptr<X11Windows> windows, const QProcessEnvironment& environm
     QtScreenReader screenReader;
     workspace->setScreenReader({[&] { return screenReader.isRunning(); },
                                 [&](std::string_view text, int priority) { screenReader.announce(text, priority); }});
-    QtPanels panels({*keyboard, *screens, milestones});
+    DesktopAppearanceSources appearances(*connection);
+    QtPanels panels({*keyboard, *screens, milestones, appearances.together});
     connection->watch(runLoop);
     const Subscription hotKeyPressed = hotKeys->onHotKey([&](HotKeyEvent event, std::uint32_t) {
         if (event == HotKeyEvent::pressed) milestones.reached(milestone::hotKeyPressed, 0);

@@ -1,7 +1,6 @@
 #include "qt/Appearance.h"
 
 #include <QGuiApplication>
-#include <QPalette>
 #include <QScreen>
 
 namespace tarvix {
@@ -15,11 +14,6 @@ constexpr int kMeasuredDpi = 96;  // a point is a pixel at this resolution
 double desktopScale() {
     const QScreen* screen = QGuiApplication::primaryScreen();
     return screen ? screen->logicalDotsPerInchY() / kMeasuredDpi : 1;
-}
-
-bool isDarkAppearance() {
-    const QPalette palette = QGuiApplication::palette();
-    return palette.color(QPalette::WindowText).lightnessF() > palette.color(QPalette::Window).lightnessF();
 }
 
 }  // namespace tarvix

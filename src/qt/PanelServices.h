@@ -3,6 +3,7 @@
 
 #include <QRect>
 
+#include "platform/Appearance.h"
 #include "platform/Milestones.h"
 #include "platform/Panels.h"
 #include "platform/Screens.h"
@@ -15,6 +16,7 @@ struct PanelServices {
     PanelWindowing& windowing;
     Screens& screens;
     Milestones& milestones;
+    Appearance& appearance;
     AfterTheInput* afterTheInput = nullptr;  // without it everything is shown at once
 };
 

@@ -12,6 +12,7 @@
 #include "base/Listeners.h"
 #include "qt/AfterTheInput.h"
 #include "qt/Appearance.h"
+#include "qt/ContinuousCorners.h"
 #include "qt/InputField.h"
 #include "qt/KeyPace.h"
 #include "qt/ProgressSpinner.h"
@@ -24,6 +25,7 @@ namespace {
 constexpr double kPadding = 6;  // between the rounded rectangle and the field
 constexpr double kMargin = 16;  // around the rounded rectangle
 constexpr double kSpinnerSize = 14;
+constexpr int kMiddleGray = 140;   // black is read better on what is brighter
 constexpr double kLargeText = 28;  // beyond it the field reaches over the trailing edge, where its spare width lies
 
 // The panel's look in pixels of this desktop.
@@ -44,10 +46,11 @@ struct PixelLook {
     double opacity, cornerRadius, border, padding, trailingPadding, margin;
     bool isLarge;
 
-    // The stroke lies half inside and half outside of the rectangle's edge.
-    double outset() const { return std::ceil(border / 2); }
+    // The stroke lies half inside and half outside of the rectangle's edge. The edge is where the stroke, however thin,
+    // covers whole pixels, so that it is crisp: this far inside of the window's.
+    double outset() const { return std::ceil(border) / 2; }
     // What of the frame the window leaves out on each side.
-    double unpainted() const { return margin - outset(); }
+    double unpainted() const { return margin - std::ceil(outset()); }
 };
 
 class InputWindow : public QWidget {
@@ -65,7 +68,6 @@ public:
         setAttribute(Qt::WA_ShowWithoutActivating);
         setFocusProxy(&field_);
         field_.setFocus();
-        adoptAppearance();
     }
 
     InputField& field() { return field_; }
@@ -78,6 +80,21 @@ public:
         font.setPixelSize(look_.textSize);
         font.setWeight(QFont::Normal);
         field_.setFont(font);
+        update();
+    }
+
+    void setAppearance(const AppearanceValues& appearance) {
+        dark_ = appearance.isDark;
+        const auto [red, green, blue, alpha] = appearance.selection;
+        const QColor selection =
+            QColor::fromRgbF(static_cast<float>(red), static_cast<float>(green), static_cast<float>(blue));
+        QPalette palette = QGuiApplication::palette();
+        palette.setColor(QPalette::Text, dark_ ? Qt::white : Qt::black);
+        palette.setColor(QPalette::Base, Qt::transparent);
+        palette.setColor(QPalette::Highlight, selection);
+        palette.setColor(QPalette::HighlightedText, qGray(selection.rgb()) < kMiddleGray ? Qt::white : Qt::black);
+        field_.setPalette(palette);
+        spinner_.setPalette(palette);
         update();
     }
 
@@ -122,20 +139,10 @@ protected:
         painter.setRenderHint(QPainter::Antialiasing);
         QColor ground = dark_ ? Qt::black : Qt::white;
         if (translucent_) ground.setAlphaF(static_cast<float>(look_.opacity));
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(ground);
-        painter.drawRoundedRect(box(), look_.cornerRadius, look_.cornerRadius);
-        if (look_.border > 0) {
-            painter.setPen(QPen(dark_ ? Qt::white : Qt::black, look_.border));
-            painter.setBrush(Qt::NoBrush);
-            painter.drawRoundedRect(box(), look_.cornerRadius, look_.cornerRadius);
-        }
+        const QPainterPath shape = continuousRoundedRect(box(), look_.cornerRadius);
+        painter.fillPath(shape, ground);
+        if (look_.border > 0) painter.strokePath(shape, QPen(dark_ ? Qt::white : Qt::black, look_.border));
         if (onPainted) onPainted();
-    }
-
-    void changeEvent(QEvent* event) override {
-        if (event->type() == QEvent::PaletteChange) adoptAppearance();
-        QWidget::changeEvent(event);
     }
 
     void mousePressEvent(QMouseEvent* event) override { grip_ = event->globalPosition().toPoint(); }
@@ -172,21 +179,11 @@ private:
         QBitmap shape(size());
         shape.clear();
         QPainter painter(&shape);
-        painter.setBrush(Qt::color1);
-        painter.setPen(QPen(Qt::color1, look_.border));
-        painter.drawRoundedRect(box(), look_.cornerRadius, look_.cornerRadius);
+        const QPainterPath outline = continuousRoundedRect(box(), look_.cornerRadius);
+        painter.fillPath(outline, Qt::color1);
+        if (look_.border > 0) painter.strokePath(outline, QPen(Qt::color1, look_.border));
         painter.end();
         setMask(shape);
-    }
-
-    void adoptAppearance() {
-        dark_ = isDarkAppearance();
-        QPalette palette = QGuiApplication::palette();
-        palette.setColor(QPalette::Text, dark_ ? Qt::white : Qt::black);
-        palette.setColor(QPalette::Base, Qt::transparent);
-        field_.setPalette(palette);
-        spinner_.setPalette(palette);
-        update();
     }
 
     InputField field_;
@@ -214,6 +211,9 @@ public:
             pace_.pressed();
         };
         pace_.onDealtWith = [this] { services_.windowing.readyForKeyPress(); };
+        window_.setAppearance(services_.appearance.values());
+        appearanceChanged_ =
+            services_.appearance.onChange([this] { window_.setAppearance(services_.appearance.values()); });
         window_.setLook(look_);
         setFrame({});
         remeasure();
@@ -340,6 +340,7 @@ private:
     Listeners<double> measured_;
     Listeners<> resigned_;
     Listeners<> cancelled_;
+    Subscription appearanceChanged_;
 };
 
 }  // namespace

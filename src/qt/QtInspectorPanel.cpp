@@ -116,6 +116,11 @@ public:
                 std::min(most.height, std::ceil(paddings + bodyTop() + body_.size().height()))};
     }
 
+    void setDark(bool isDark) {
+        isDark_ = isDark;
+        update();
+    }
+
     void setTranslucent(bool translucent) {
         translucent_ = translucent;
         maskIfOpaque();
@@ -132,7 +137,7 @@ public:
 
 protected:
     void paintEvent(QPaintEvent*) override {
-        const bool dark = isDarkAppearance();
+        const bool dark = isDark_;
         const QColor ink = dark ? Qt::white : Qt::black;
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
@@ -146,11 +151,6 @@ protected:
         heading_.paint(painter, {padding, padding});
         body_.paint(painter, {padding, padding + bodyTop()});
         if (onPainted) onPainted();
-    }
-
-    void changeEvent(QEvent* event) override {
-        if (event->type() == QEvent::PaletteChange) update();
-        QWidget::changeEvent(event);
     }
 
 private:
@@ -181,12 +181,16 @@ private:
     double scale_ = 1;
     Paragraph heading_, body_;
     bool translucent_ = true;
+    bool isDark_ = false;
 };
 
 class QtInspectorPanel : public InspectorPanel {
 public:
     explicit QtInspectorPanel(const PanelServices& services) : services_(services) {
         window_.onPainted = [this] { painted(); };
+        window_.setDark(services_.appearance.values().isDark);
+        appearanceChanged_ =
+            services_.appearance.onChange([this] { window_.setDark(services_.appearance.values().isDark); });
     }
 
     void setContent(const InspectorContent& content) override {
@@ -232,6 +236,7 @@ private:
     PanelServices services_;
     InspectorWindow window_;
     bool unreported_ = false;
+    Subscription appearanceChanged_;
 };
 
 }  // namespace

@@ -11,7 +11,7 @@ namespace tarvix {
 // Main thread. The services outlive the panels made here.
 class QtPanels : public Panels {
 public:
-    explicit QtPanels(const PanelServices& services) : services_(services) {
+    explicit QtPanels(const PanelServices& services) : services_(services), colors_(services.appearance) {
         services_.afterTheInput = &afterTheInput_;
         describePanelsToScreenReaders();
     }

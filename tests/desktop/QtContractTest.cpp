@@ -42,7 +42,8 @@ ContractSubject<Panels> panels() {
         TestWindowing windowing;
         TestScreens screens;
         TestMilestones milestones;
-        QtPanels panels{{windowing, screens, milestones}};
+        TestAppearance appearance;
+        QtPanels panels{{windowing, screens, milestones, appearance}};
     };
     const auto world = std::make_shared<World>();
     return {world, world->panels, runUntil};

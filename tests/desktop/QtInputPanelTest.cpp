@@ -244,14 +244,10 @@ TEST_F(QtInputPanelTest, TheGroundFollowsTheAppearanceWhileThePanelStands) {
     };
     EXPECT_GT(ground().lightness(), 200);
     EXPECT_NEAR(ground().alphaF(), windowing.composited ? 0.9 : 1.0, 0.01);
-    const QPalette light = QGuiApplication::palette();
-    QPalette dark = light;
-    dark.setColor(QPalette::Window, QColor(30, 30, 30));
-    dark.setColor(QPalette::WindowText, QColor(240, 240, 240));
-    QApplication::setPalette(dark);
+    appearance.change({.isDark = true, .accent = {}, .selection = {}});
     EXPECT_TRUE(runUntil([&] { return ground().lightness() < 50; }));
     EXPECT_EQ(field()->palette().color(QPalette::Text), QColor(Qt::white));
-    QApplication::setPalette(light);
+    appearance.change({.isDark = false, .accent = {}, .selection = {}});
     EXPECT_TRUE(runUntil([&] { return ground().lightness() > 200; }));
 }
 

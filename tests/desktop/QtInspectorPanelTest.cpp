@@ -17,7 +17,6 @@ protected:
         ground.show();
         runUntil([&] { return screenshot().pixelColor(400, 300) == kGround; });
     }
-    ~QtInspectorPanelTest() override { QGuiApplication::setPalette(appearance); }
 
     // Shows the content with its upper left corner at (100, 100) and returns the pixels that it takes up.
     QRect show(const InspectorContent& content, Size most = {480, 500}) {
@@ -32,16 +31,9 @@ protected:
         EXPECT_TRUE(pixelBecomes({pixels.left() + 8, pixels.center().y()}, paper()));
         return pixels;
     }
-    static QColor paper() { return dark() ? QColor(44, 44, 48) : QColor(250, 250, 250); }
-    static bool dark() {
-        return QGuiApplication::palette().color(QPalette::Window).lightness() <
-               QGuiApplication::palette().color(QPalette::WindowText).lightness();
-    }
-    static void goDark() {
-        QPalette palette(QColor(50, 50, 50));
-        palette.setColor(QPalette::WindowText, Qt::white);
-        QGuiApplication::setPalette(palette);
-    }
+    QColor paper() { return dark() ? QColor(44, 44, 48) : QColor(250, 250, 250); }
+    bool dark() { return appearance.values().isDark; }
+    void goDark() { appearance.change({.isDark = true, .accent = {}, .selection = {}}); }
     static bool pixelBecomes(QPoint pixel, QColor color) {
         return runUntil([&] { return screenshot().pixelColor(pixel) == color; });
     }
@@ -61,7 +53,6 @@ protected:
     }
 
     InspectorContent save{"The Inspector caught", "≢ Save\n≢ Saves the document\n≢ button\n"};
-    QPalette appearance = QGuiApplication::palette();
     QWidget ground;
     std::unique_ptr<InspectorPanel> panel = makeQtInspectorPanel(services);
 };

@@ -3,7 +3,6 @@
 #include <QDir>
 #include <QFile>
 #include <QMimeData>
-#include <QPalette>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <csignal>
@@ -105,17 +104,13 @@ TEST_F(QtServicesTest, ASignalAsksForTheEndInsteadOfBringingIt) {
     EXPECT_EQ(std::signal(SIGTERM, SIG_DFL), SIG_DFL);
 }
 
-TEST_F(QtServicesTest, TheAccentIsThePalettesHighlight) {
-    QPalette palette = QGuiApplication::palette();
-    const QPalette before = palette;
-    palette.setColor(QPalette::Highlight, QColor(255, 0, 0));
-    palette.setColor(QPalette::Base, QColor(255, 255, 255));
-    QGuiApplication::setPalette(palette);
-    QtSystemColors colors;
+TEST_F(QtServicesTest, ColoursAreThoseOfTheAppearanceAsItIsNow) {
+    TestAppearance appearance;
+    QtSystemColors colors(appearance);
+    appearance.change({.isDark = false, .accent = {1, 0, 0, 1}, .selection = {0, 0, 1, 1}});
     EXPECT_EQ(colors.controlAccent(), (Color{1, 0, 0, 1}));
-    EXPECT_EQ(colors.selectedControl(), (Color{1, 0.5, 0.5, 1}));
+    EXPECT_EQ(colors.selectedControl(), (Color{0, 0, 1, 1}));
     EXPECT_EQ(colors.findHighlight(), (Color{1, 1, 0, 1}));
-    QGuiApplication::setPalette(before);
 }
 
 }  // namespace

@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "base/Listeners.h"
 #include "platform/Milestones.h"
 #include "platform/Panels.h"
 #include "platform/Screens.h"
@@ -106,7 +107,22 @@ protected:
     TestWindowing windowing;
     TestScreens screens;
     TestMilestones milestones;
-    PanelServices services{windowing, screens, milestones};
+    TestAppearance appearance;
+    PanelServices services{windowing, screens, milestones, appearance};
+};
+
+class TestAppearance : public Appearance {
+public:
+    const AppearanceValues& values() const override { return values_; }
+    Subscription onChange(std::function<void()> changed) override { return changed_.add(std::move(changed)); }
+    void change(const AppearanceValues& values) {
+        values_ = values;
+        changed_();
+    }
+
+private:
+    AppearanceValues values_;
+    Listeners<> changed_;
 };
 
 }  // namespace tarvix
