@@ -19,7 +19,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::size_t kLargest = 256 * 1024;  // a hundred times what all settings take
+constexpr std::size_t kLargest = 262'144;  // a hundred times what all settings take
 constexpr int kMostLinks = 40;
 constexpr int kMostDamaged = 1000;
 constexpr auto kLockWait = std::chrono::milliseconds(100);  // a write takes one or two
@@ -114,7 +114,7 @@ std::string SettingsFile::replace(std::string_view text) const {
 
 std::string SettingsFile::setAside(std::string_view text) const {
     for (int i = 1; i <= kMostDamaged; ++i) {
-        const std::string name = path_ + ".damaged" + (i > 1 ? "." + std::to_string(i) : "");
+        std::string name = path_ + ".damaged" + (i > 1 ? "." + std::to_string(i) : "");
         const Descriptor file(open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR));
         if (file < 0 && errno == EEXIST) continue;
         if (file < 0) return {};
