@@ -8,11 +8,23 @@ namespace {
 
 constexpr std::int32_t kLargestSide = 1 << 26;  // the longest page that a browser lays out is half of that
 
+constexpr double kPlainDpi = 96;
+
 double wholeScale(double pixels, std::int32_t units) {
     return units > 0 ? std::max(1.0, std::round(pixels / units)) : 1;
 }
 
-double exactScale(double pixels, std::int32_t units) { return units > 0 && pixels > 0 ? pixels / units : 1; }
+// The pixel edge that a toolkit draws at where its own units end between two.
+double wholePixel(double at) { return std::floor(at + 0.5); }
+
+// A window's size has been rounded to pixels, so that its quotient is off by more the smaller the window is. Scales are
+// made of dots per inch, which are whole, as 150 % and 125 % are; the quotient stands where it isn't near such a one.
+double exactScale(double pixels, std::int32_t units) {
+    if (units <= 0 || pixels <= 0) return 1;
+    const double quotient = pixels / units;
+    const double inDots = std::round(quotient * kPlainDpi) / kPlainDpi;
+    return inDots > 0 && std::abs(inDots * units - pixels) < 1 ? inDots : quotient;
+}
 
 // GTK 4 reports boxes relative to the top level's content box; the SCREEN origin is silently the same one (4.8) or
 // always 0,0 (4.18). What lies between the X window and the content is the shadow that the client draws, or, where the
@@ -26,6 +38,13 @@ Placement placeGtk4(const X11Window& window, RawBox frame) {
             window.client.origin.y + (shadow ? shadow->top : borderY), scale, scale};
 }
 
+// GTK 3 reports places on the screen, in its own units; that of the window has been rounded towards the origin, and
+// those of what is in it have lost as much.
+Placement placeGtk3(const X11Window& window, RawBox frame) {
+    const double scale = wholeScale(window.client.size.width, frame.width);
+    return {std::fmod(window.client.origin.x, scale), std::fmod(window.client.origin.y, scale), scale, scale};
+}
+
 // Qt's logical origin of a screen is its physical one, so that scaling an absolute position is wrong on a second
 // screen: only distances within the window scale.
 Placement placeQt(const X11Window& window, RawBox frame) {
@@ -37,7 +56,10 @@ Placement placeQt(const X11Window& window, RawBox frame) {
 
 AxRect Placement::toRoot(RawBox box, bool inWebContent) const {
     const double s = inWebContent ? webScale : scale;
-    return {{offsetX + s * box.x, offsetY + s * box.y}, {s * box.width, s * box.height}};
+    const double left = wholePixel(offsetX + s * box.x), top = wholePixel(offsetY + s * box.y);
+    return {
+        {left, top},
+        {wholePixel(offsetX + s * (box.x + box.width)) - left, wholePixel(offsetY + s * (box.y + box.height)) - top}};
 }
 
 RawBox Placement::fromRoot(AxPoint point, bool inWebContent) const {
@@ -59,6 +81,7 @@ Placement place(Toolkit toolkit, const X11Window& window, RawBox frame) {
         case Toolkit::chromium:
             return {0, 0, exactScale(window.client.size.width, frame.width), 1};
         case Toolkit::gtk3:
+            return placeGtk3(window, frame);
         case Toolkit::gecko:
         case Toolkit::libreOffice: {
             const double scale = wholeScale(window.client.size.width, frame.width);

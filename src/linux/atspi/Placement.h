@@ -6,8 +6,8 @@
 
 namespace tarvix::atspi {
 
-// root = offset + scale * raw. Web content has a scale of its own, since Chromium gives it in physical pixels while its
-// own toolbar is in device-independent ones.
+// root = offset + scale * raw, edges on whole pixels. Web content has a scale of its own, since Chromium gives it in
+// physical pixels while its own toolbar is in device-independent ones.
 struct Placement {
     double offsetX = 0, offsetY = 0;
     double scale = 1;

@@ -45,8 +45,8 @@ ScratchFolder::~ScratchFolder() {
     std::filesystem::remove_all(path_, ignored);
 }
 
-Fixture::Fixture(const std::string& script, const std::vector<std::string>& more)
-    : process_(command(script, folder_, more)) {}
+Fixture::Fixture(const std::string& script, const std::vector<std::string>& more, const Process::Environment& changes)
+    : process_(command(script, folder_, more), changes) {}
 
 bool Fixture::isReady(std::chrono::milliseconds limit) {
     const std::string path = folder_.file("report.json");

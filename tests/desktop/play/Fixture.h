@@ -53,7 +53,8 @@ struct FixtureClick {
 class Fixture {
 public:
     // Starts a script of the fixtures' folder with more arguments than the report and the log.
-    explicit Fixture(const std::string& script, const std::vector<std::string>& more = {});
+    explicit Fixture(const std::string& script, const std::vector<std::string>& more = {},
+                     const Process::Environment& changes = {});
 
     // Whether its report came within the limit: its window is there then, and its layout has come to rest.
     bool isReady(std::chrono::milliseconds limit = std::chrono::seconds(60));

@@ -20,6 +20,27 @@ TEST(Placement, Gtk3TellsPlacesOnTheScreenInItsOwnUnits) {
     EXPECT_EQ(doubled.toRoot({110, 70, 30, 20}, false), (AxRect{{220, 140}, {60, 40}}));
 }
 
+// 101 pixels are 50 of its units, and the pixel between is lost to all that is in the window.
+TEST(Placement, Gtk3RoundsThePlaceOfItsWindowAndThatOfAllInItAlike) {
+    const Placement odd = place(Toolkit::gtk3, window({{101, 53}, {1600, 1200}}), {50, 26, 800, 600});
+    EXPECT_EQ(odd.toRoot({60, 36, 30, 20}, false), (AxRect{{121, 73}, {60, 40}}));
+    const Placement left = place(Toolkit::gtk3, window({{-101, 53}, {1600, 1200}}), {-50, 26, 800, 600});
+    EXPECT_EQ(left.toRoot({-40, 36, 30, 20}, false), (AxRect{{-81, 73}, {60, 40}}));
+}
+
+TEST(Placement, AnEdgeBetweenTwoPixelsIsThatOfTheNextOne) {
+    const Placement half = place(Toolkit::qt, window({{300, 150}, {1500, 900}}), {200, 100, 1000, 600});
+    EXPECT_EQ(half.toRoot({201, 101, 1, 1}, false), (AxRect{{302, 152}, {1, 1}}));
+    EXPECT_EQ(half.toRoot({202, 103, 43, 19}, false), (AxRect{{303, 155}, {65, 28}}));
+}
+
+// Of 1001 units, 1251.25 pixels.
+TEST(Placement, AScaleIsNotThatOfAWindowWhoseSizeWasRounded) {
+    const Placement quarter = place(Toolkit::qt, window({{0, 0}, {1251, 750}}), {0, 0, 1001, 600});
+    EXPECT_EQ(quarter.scale, 1.25);
+    EXPECT_EQ(place(Toolkit::qt, window({{0, 0}, {1100, 660}}), {0, 0, 1000, 600}).scale, 1.1) << "no whole dots";
+}
+
 TEST(Placement, TheDecorationThatGtk3CountsInIsNoScale) {
     const Placement decorated = place(Toolkit::gtk3, window({{300, 100}, {1200, 800}}), {295, 71, 1210, 834});
     EXPECT_EQ(decorated.toRoot({310, 120, 30, 20}, false), (AxRect{{310, 120}, {30, 20}}));
