@@ -10,6 +10,7 @@
 #include <QGuiApplication>
 #include <QStringList>
 #include <algorithm>
+#include <utility>
 
 #include "qt/SessionBus.h"
 
@@ -101,25 +102,32 @@ void QtScreenReader::statusChanged(const QString& interface, const QVariantMap& 
     isRunning_ = changed.value(kScreenReaderEnabled).toBool();
 }
 
+void QtScreenReader::announce(std::string_view text, int priority) {
+    const QString said = QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+    unsaid_.push_back({speaker(), said, priority >= kHighPriority ? kAssertive : kPolite});
+    if (unsaid_.size() == 1) askWhatIsHeard();
+}
+
+// Asked each time, since a reader listens to more or less as its user goes from program to program. One question at a
+// time: answers to several come in any order.
+void QtScreenReader::askWhatIsHeard() {
+    const QDBusMessage ask = QDBusMessage::createMethodCall(kRegistry, kRegistryPath, kRegistry, "GetRegisteredEvents");
+    auto* answered = new QDBusPendingCallWatcher(QDBusConnection(kBridge).asyncCall(ask), this);
+    connect(answered, &QDBusPendingCallWatcher::finished, this, [this, answered] {
+        answered->deleteLater();
+        sayTo(eventsHeard(answered->reply()));
+    });
+}
+
 // Readers of before the announcements' time speak a changed description of what has the focus, and those of after it
 // speak both; so they get the one that they listen to.
-void QtScreenReader::announce(std::string_view text, int priority) {
+void QtScreenReader::sayTo(const QStringList& heard) {
+    const bool onlyDescriptions =
+        !isHeard("Object:Announcement", heard) && isHeard("Object:PropertyChange:AccessibleDescription", heard);
     QDBusConnection bus(kBridge);
-    if (!bus.isConnected()) return;
-    const QString said = QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-    const QDBusMessage announcement =
-        objectEvent(speaker(), "Announcement", {}, priority >= kHighPriority ? kAssertive : kPolite, said);
-    const QDBusMessage description = objectEvent(speaker(), "PropertyChange", "accessible-description", 0, said);
-    auto* answered = new QDBusPendingCallWatcher(
-        bus.asyncCall(QDBusMessage::createMethodCall(kRegistry, kRegistryPath, kRegistry, "GetRegisteredEvents")),
-        this);
-    connect(answered, &QDBusPendingCallWatcher::finished, this, [announcement, description, answered] {
-        answered->deleteLater();
-        const QStringList heard = eventsHeard(answered->reply());
-        const bool onlyDescriptions =
-            !isHeard("Object:Announcement", heard) && isHeard("Object:PropertyChange:AccessibleDescription", heard);
-        QDBusConnection(kBridge).send(onlyDescriptions ? description : announcement);
-    });
+    for (const auto& [from, text, politeness] : std::exchange(unsaid_, {}))
+        bus.send(onlyDescriptions ? objectEvent(from, "PropertyChange", "accessible-description", 0, text)
+                                  : objectEvent(from, "Announcement", {}, politeness, text));
 }
 
 }  // namespace tarvix

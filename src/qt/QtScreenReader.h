@@ -4,8 +4,10 @@
 #include <QDBusServiceWatcher>
 #include <QObject>
 #include <QString>
+#include <QStringList>
 #include <QVariantMap>
 #include <string_view>
+#include <vector>
 
 namespace tarvix {
 
@@ -28,10 +30,19 @@ private Q_SLOTS:
     void statusChanged(const QString& interface, const QVariantMap& changed);
 
 private:
+    struct Announcement {
+        QString from;  // the path of an accessible object
+        QString text;
+        int politeness;
+    };
+
     void readStatus();
+    void askWhatIsHeard();
+    void sayTo(const QStringList& heard);
 
     QDBusServiceWatcher launcher_;
     bool isRunning_ = false;
+    std::vector<Announcement> unsaid_;  // until the answer comes
 };
 
 }  // namespace tarvix
