@@ -147,6 +147,22 @@ public:
     virtual SystemColors& colors() = 0;
 };
 
+// A black window that the pointer goes through and that nobody paints. Rectangles in root pixels. It isn't shown where
+// windows aren't blended, since it would hide what it is to dim.
+class HazeSurface {
+public:
+    virtual ~HazeSurface() = default;
+    virtual void setFrame(AxRect frame) = 0;
+    // 0, transparent, to 1.
+    virtual void setAlpha(double alpha) = 0;
+    // Each shows it, and keeps it in its place as long as it is shown: directly below a window, over all applications
+    // but below the panels that are kept on top.
+    virtual void showBelow(std::uint32_t window) = 0;
+    virtual void showOverApplications() = 0;
+    virtual void hide() = 0;
+    virtual bool isShown() const = 0;
+};
+
 // What a panel's implementation needs of the windowing system that its toolkit doesn't offer.
 class PanelWindowing {
 public:
@@ -160,9 +176,11 @@ public:
     // call on, presses come one at a time, and later ones wait, so that the monitor is never offered a key before the
     // panel has taken in those that came earlier. Without any call they come as they are pressed.
     virtual void readyForKeyPress() {}
-    // Puts a window of ours directly below another one, or above everything.
-    virtual void stackBelow(std::uint32_t window, std::uint32_t sibling) = 0;
+    // Puts a window of ours that is shown above everything, and keeps it above all other programs' windows as long as
+    // it is shown; unless one of them insists on being on top itself.
     virtual void stackOnTop(std::uint32_t window) = 0;
+    // Ends before this does.
+    virtual std::unique_ptr<HazeSurface> makeHazeSurface() = 0;
     // Whether translucent windows are blended.
     virtual bool isComposited() = 0;
 };

@@ -1,10 +1,8 @@
 #include "qt/QtDimmingPanel.h"
 
-#include <QPaintEvent>
-#include <QPainter>
 #include <QVariantAnimation>
-#include <QWidget>
 #include <algorithm>
+#include <functional>
 
 #include "base/Subscription.h"
 #include "qt/AfterTheInput.h"
@@ -14,35 +12,21 @@ namespace tarvix {
 
 namespace {
 
-constexpr int kFadeMilliseconds = 200;
-
-class HazeWindow : public QWidget {
-public:
-    HazeWindow()
-        : QWidget(nullptr, Qt::X11BypassWindowManagerHint | Qt::FramelessWindowHint | Qt::Tool |
-                               Qt::WindowTransparentForInput | Qt::WindowDoesNotAcceptFocus) {
-        setObjectName("HazeOverWindow");
-        setAttribute(Qt::WA_ShowWithoutActivating);
-        setAttribute(Qt::WA_TransparentForMouseEvents);
-        setAttribute(Qt::WA_OpaquePaintEvent);
-        winId();
-    }
-
-protected:
-    void paintEvent(QPaintEvent* event) override { QPainter(this).fillRect(event->rect(), Qt::black); }
-};
+constexpr int kFadeMilliseconds = 250;
 
 class QtDimmingPanel : public DimmingPanel {
 public:
-    explicit QtDimmingPanel(const PanelServices& services) : services_(services) {
+    explicit QtDimmingPanel(const PanelServices& services)
+        : services_(services), surface_(services.windowing.makeHazeSurface()) {
         fade_.setDuration(kFadeMilliseconds);
-        QObject::connect(&fade_, &QVariantAnimation::finished, &window_, [this] { orderedIn_ = alpha_ > 0; });
-        QObject::connect(&fade_, &QVariantAnimation::valueChanged, &window_,
+        QObject::connect(&fade_, &QVariantAnimation::valueChanged, &fade_,
                          [this](const QVariant& alpha) { apply(alpha.toDouble()); });
     }
 
     void setFrame(PanelRect frame) override {
-        window_.setGeometry(pixelsOf(flip(frame, firstScreenHeight(services_.screens))));
+        const QRect pixels = pixelsOf(flip(frame, firstScreenHeight(services_.screens)));
+        surface_->setFrame(
+            {{double(pixels.x()), double(pixels.y())}, {double(pixels.width()), double(pixels.height())}});
     }
 
     void setLevel(int level) override { level_ = level; }
@@ -61,55 +45,41 @@ public:
     }
 
     void orderFront() override {
-        showing_.reset();
-        services_.windowing.stackOnTop(number());
-        orderIn();
+        orderIn([this] { surface_->showOverApplications(); });
     }
 
     // X11 has no levels: what lies above the windows' own level lies above every window, whichever it is ordered by.
-    // The place is given before mapping, lest the panel flash over the window, and after it, as compositors lose a
-    // place given to a window that isn't mapped.
     void orderBelow(std::uint32_t windowNumber) override {
-        if (level_ > 0) {
-            orderFront();
-            return;
-        }
-        if (services_.afterTheInput && !window_.isVisible()) {
-            showing_ = services_.afterTheInput->run([this, windowNumber] { comeBelow(windowNumber); });
-        } else {
-            comeBelow(windowNumber);
-        }
+        if (level_ > 0) return orderFront();
+        orderIn([this, windowNumber] { surface_->showBelow(windowNumber); });
     }
 
 private:
-    std::uint32_t number() const { return static_cast<std::uint32_t>(window_.winId()); }
-
-    void comeBelow(std::uint32_t windowNumber) {
-        services_.windowing.stackBelow(number(), windowNumber);
-        orderIn();
-        syncWithServer();
-        services_.windowing.stackBelow(number(), windowNumber);
-    }
-
-    void orderIn() {
-        orderedIn_ = true;
-        apply(alpha_);
+    // The panels above it are Qt's and come by another connection: it goes below those that are there by now.
+    void orderIn(std::function<void()> show) {
+        const auto come = [this, show = std::move(show)] {
+            if (alpha_ <= 0) return;
+            syncWithServer();
+            show();
+        };
+        showing_.reset();
+        if (services_.afterTheInput && !surface_->isShown()) {
+            showing_ = services_.afterTheInput->run(come);
+        } else {
+            come();
+        }
     }
 
     void apply(double alpha) {
         alpha_ = std::clamp(alpha, 0.0, 1.0);
-        window_.setWindowOpacity(alpha_);
-        const bool mapped = orderedIn_ && alpha_ > 0 && services_.windowing.isComposited();
-        if (mapped == window_.isVisible()) return;
-        window_.setVisible(mapped);
-        flushToServer();
+        surface_->setAlpha(alpha_);
+        if (alpha_ <= 0) surface_->hide();
     }
 
     PanelServices services_;
+    std::unique_ptr<HazeSurface> surface_;
     int level_ = 0;
     double alpha_ = 1;
-    bool orderedIn_ = false;  // not after fading away: the next alpha must not bring it back to its old place
-    HazeWindow window_;
     QVariantAnimation fade_;
     Subscription showing_;  // it may wait
 };

@@ -240,8 +240,8 @@ public:
         setFrame(frame_);  // the first screen's height may have changed
         awaitsPainting_ = !window_.isVisible();
         window_.show();
-        window_.raise();
         syncWithServer();  // a grab of the keyboard wants a window that is mapped
+        services_.windowing.stackOnTop(number());
         if (!hasKeyboard_) hasKeyboard_ = services_.windowing.takeKeyboard(number(), [this] { lostKeyboard(); });
         services_.windowing.readyForKeyPress();
         if (!hasKeyboard_) QTimer::singleShot(0, &window_, [this] { resigned_(); });

@@ -109,9 +109,9 @@ TEST_F(QtInputPanelTest, CommandASelectsTheKeptTextSoThatTypingReplacesIt) {
 
 TEST_F(QtInputPanelTest, TheKeyboardIsTakenWhenShownAndGivenBackBeforeHiding) {
     show();
-    EXPECT_EQ(windowing.journal, std::vector<std::string>{"take keyboard"});
+    EXPECT_EQ(windowing.journal, (std::vector<std::string>{"stack on top", "take keyboard"}));
     panel->orderOut();
-    EXPECT_EQ(windowing.journal, (std::vector<std::string>{"take keyboard", "release keyboard"}));
+    EXPECT_EQ(windowing.journal, (std::vector<std::string>{"stack on top", "take keyboard", "release keyboard"}));
     EXPECT_FALSE(panel->isVisible());
     EXPECT_TRUE(milestones.has("The Input hidden 0"));
     EXPECT_EQ(resigned, 0);
@@ -120,7 +120,7 @@ TEST_F(QtInputPanelTest, TheKeyboardIsTakenWhenShownAndGivenBackBeforeHiding) {
 TEST_F(QtInputPanelTest, ShowingAPanelThatIsShownTakesTheKeyboardOnce) {
     show();
     panel->makeKeyAndOrderFront();
-    EXPECT_EQ(windowing.journal, std::vector<std::string>{"take keyboard"});
+    EXPECT_EQ(windowing.journal, (std::vector<std::string>{"stack on top", "take keyboard"}));
 }
 
 TEST_F(QtInputPanelTest, LosingTheKeyboardIsReportedOnceAndNotReleasedAgain) {
@@ -129,7 +129,7 @@ TEST_F(QtInputPanelTest, LosingTheKeyboardIsReportedOnceAndNotReleasedAgain) {
     lost();
     EXPECT_EQ(resigned, 1);
     panel->orderOut();
-    EXPECT_EQ(windowing.journal, std::vector<std::string>{"take keyboard"});
+    EXPECT_EQ(windowing.journal, (std::vector<std::string>{"stack on top", "take keyboard"}));
 }
 
 TEST_F(QtInputPanelTest, AKeyboardThatCannotBeHadIsAKeyboardLost) {

@@ -17,6 +17,29 @@ constexpr int kLimitMilliseconds = 10000;
 template <class T>
 using Reply = std::unique_ptr<T, decltype(&std::free)>;
 
+class HazeRecorder : public HazeSurface {
+public:
+    explicit HazeRecorder(TestHaze& haze) : haze_(haze) {}
+
+    void setFrame(AxRect frame) override { haze_.frame = frame; }
+    void setAlpha(double alpha) override { haze_.alpha = alpha; }
+    void showBelow(std::uint32_t window) override { show("below " + std::to_string(window)); }
+    void showOverApplications() override { show("over applications"); }
+    void hide() override {
+        haze_.isShown = false;
+        haze_.journal.push_back("hidden");
+    }
+    bool isShown() const override { return haze_.isShown; }
+
+private:
+    void show(std::string where) {
+        haze_.isShown = true;
+        haze_.journal.push_back(std::move(where));
+    }
+
+    TestHaze& haze_;
+};
+
 }  // namespace
 
 QtTest::QtTest() {
@@ -110,12 +133,6 @@ void TestServer::raise(std::uint32_t window) {
     sync();
 }
 
-void TestServer::lower(std::uint32_t window, std::uint32_t below) {
-    const std::uint32_t values[] = {below, XCB_STACK_MODE_BELOW};
-    xcb_configure_window(connection_, window, XCB_CONFIG_WINDOW_SIBLING | XCB_CONFIG_WINDOW_STACK_MODE, values);
-    sync();
-}
-
 bool TestServer::hasCompositor() {
     const std::string name = "_NET_WM_CM_S0";
     const auto cookie = xcb_intern_atom(connection_, 0, static_cast<std::uint16_t>(name.size()), name.data());
@@ -148,15 +165,12 @@ void TestWindowing::releaseKeyboard() {
     server.sendFocus(keyboardWindow, false);
 }
 
-void TestWindowing::stackBelow(std::uint32_t window, std::uint32_t sibling) {
-    journal.push_back("stack below");
-    server.lower(window, sibling);
-}
-
 void TestWindowing::stackOnTop(std::uint32_t window) {
     journal.push_back("stack on top");
     server.raise(window);
 }
+
+std::unique_ptr<HazeSurface> TestWindowing::makeHazeSurface() { return std::make_unique<HazeRecorder>(haze); }
 
 std::vector<PanelRect> TestScreens::frames() {
     const QRect whole = QGuiApplication::primaryScreen()->geometry();

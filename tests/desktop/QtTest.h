@@ -53,7 +53,6 @@ public:
     void movePointer(QPoint to);
     void button(bool press);
     void raise(std::uint32_t window);
-    void lower(std::uint32_t window, std::uint32_t below);
     bool hasCompositor();
     std::uint32_t windowAt(QPoint point);  // the child of the root that gets the pointer's events there
 
@@ -65,14 +64,22 @@ private:
     std::uint32_t root_;
 };
 
+// What is done to a surface for dimming.
+struct TestHaze {
+    AxRect frame;
+    double alpha = 1;
+    bool isShown = false;
+    std::vector<std::string> journal;  // of the showing and hiding
+};
+
 // Windowing that tells a window that it has the keyboard, without the desktop knowing of it. `composited` is what it
 // answers; `lost` is what it would call.
 class TestWindowing : public PanelWindowing {
 public:
     bool takeKeyboard(std::uint32_t window, std::function<void()> lost) override;
     void releaseKeyboard() override;
-    void stackBelow(std::uint32_t window, std::uint32_t sibling) override;
     void stackOnTop(std::uint32_t window) override;
+    std::unique_ptr<HazeSurface> makeHazeSurface() override;
     bool isComposited() override { return composited; }
 
     TestServer server;
@@ -81,6 +88,7 @@ public:
     std::uint32_t keyboardWindow = 0;
     std::function<void()> lost;
     std::vector<std::string> journal;
+    TestHaze haze;
 };
 
 // One screen, as large as the X server's.

@@ -225,22 +225,6 @@ TEST_F(X11WindowsOnDesktop, APanelBelowAFullScreenWindowIsNotOnTheScreen) {
     EXPECT_TRUE(inServer(film.window()));
 }
 
-TEST_F(X11WindowsOnDesktop, APanelOfOursGoesBelowAWindowAndOnTop) {
-    keyboard->stackBelow(panel.window(), application.window());
-    connection->sync();
-    auto stack = rootStack(*connection);
-    const auto frame = childrenOfRoot(*connection, {application.window()}).front();
-    const auto place = std::ranges::find(stack, frame);
-    ASSERT_NE(place, stack.begin());
-    EXPECT_EQ(*(place - 1), panel.window());
-    keyboard->stackOnTop(panel.window());
-    connection->sync();
-    EXPECT_EQ(rootStack(*connection).back(), panel.window());
-    keyboard->stackBelow(panel.window(), 0x7fffffff);
-    connection->sync();
-    EXPECT_EQ(rootStack(*connection).back(), panel.window()) << "a sibling that has gone changes nothing";
-}
-
 TEST_F(X11WindowsOnDesktop, WindowsAreBlendedWhileACompositorOwnsTheScreen) {
     const std::string selection = "_NET_WM_CM_S" + std::to_string(connection->screenNumber());
     const bool before = keyboard->isComposited();

@@ -149,9 +149,18 @@ std::optional<std::string> X11Connection::text(xcb_get_property_cookie_t cookie)
     return std::string(static_cast<const char*>(xcb_get_property_value(answer.get())), answer->value_len);
 }
 
-void X11Connection::selectOnRoot(std::uint32_t mask) {
-    rootMask_ |= mask;
-    xcb_change_window_attributes(connection_, root(), XCB_CW_EVENT_MASK, &rootMask_);
+void X11Connection::selectOnRoot(std::uint32_t mask) { countOnRoot(mask, 1); }
+
+void X11Connection::deselectOnRoot(std::uint32_t mask) { countOnRoot(mask, -1); }
+
+void X11Connection::countOnRoot(std::uint32_t mask, int times) {
+    std::uint32_t selected = 0;
+    for (std::size_t bit = 0; bit < rootSelections_.size(); ++bit) {
+        const std::uint32_t event = std::uint32_t{1} << bit;
+        if (mask & event) rootSelections_[bit] += times;
+        if (rootSelections_[bit] > 0) selected |= event;
+    }
+    xcb_change_window_attributes(connection_, root(), XCB_CW_EVENT_MASK, &selected);
 }
 
 Subscription X11Connection::selectXInputOnRoot(std::uint16_t device, std::uint32_t mask) {

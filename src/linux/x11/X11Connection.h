@@ -3,6 +3,7 @@
 
 #include <xcb/xcb.h>
 
+#include <array>
 #include <chrono>
 #include <cstdint>
 #include <cstdlib>
@@ -91,6 +92,8 @@ public:
 
     // Adds to the event mask that this connection has on the root window.
     void selectOnRoot(std::uint32_t mask);
+    // Takes back what was added once; another part that has added the same keeps it.
+    void deselectOnRoot(std::uint32_t mask);
     // The same for the XInput 2 events of a device, which the server has to have, until the token is dropped. The
     // server keeps one mask for each device and client, so nobody else selects these.
     [[nodiscard]] Subscription selectXInputOnRoot(std::uint16_t device, std::uint32_t mask);
@@ -126,6 +129,7 @@ private:
     X11Connection(xcb_connection_t* connection, int screenNumber, const xcb_screen_t* screen);
     bool keepsEvents() const { return wakeUp_ >= 0 || !handlers_->empty(); }
     void keepEvents(xcb_generic_event_t* (*next)(xcb_connection_t*) = xcb_poll_for_queued_event);
+    void countOnRoot(std::uint32_t mask, int times);
     void handOutEvents();
     void handOut(const xcb_generic_event_t& event);
 
@@ -134,7 +138,7 @@ private:
     const xcb_screen_t* screen_;
     std::map<std::string, xcb_atom_t, std::less<>> atoms_;
     std::map<xcb_atom_t, std::string> atomNames_;
-    std::uint32_t rootMask_ = 0;
+    std::array<int, 32> rootSelections_{};  // how many parts have each bit of the root's event mask
     X11Remains ownRemains_;
     X11Remains* remains_ = &ownRemains_;
 

@@ -4,11 +4,12 @@
 
 #include <algorithm>
 #include <chrono>
-#include <string>
 #include <thread>
 #include <utility>
 
 #include "linux/x11/EvdevKeyCodes.h"
+#include "linux/x11/X11Compositor.h"
+#include "linux/x11/X11HazeSurface.h"
 #include "linux/x11/X11PanelEvents.h"
 #include "linux/x11/X11WindowTree.h"
 #include "linux/x11/XInputKeyboards.h"
@@ -38,7 +39,7 @@ X11Keyboard::X11Keyboard(X11Connection& connection, X11Events& events, bool hasX
       panelKeys_(events),
       hasXInput_(hasXInput),
       modifiers_(X11Modifiers::read(connection)),
-      stacking_(connection) {
+      stack_(connection) {
     x_.intern({"_NET_ACTIVE_WINDOW"});
     x_.selectOnRoot(XCB_EVENT_MASK_PROPERTY_CHANGE);
     events_ = x_.onEvent([this](const xcb_generic_event_t& event) { return handle(event); });
@@ -238,11 +239,9 @@ void X11Keyboard::endGrabs(const Taken& taken) {
     }
 }
 
-bool X11Keyboard::isComposited() {
-    const auto owner = x_.reply<xcb_get_selection_owner_reply>(
-        xcb_get_selection_owner(x_.get(), x_.atom("_NET_WM_CM_S" + std::to_string(x_.screenNumber()))));
-    return owner && owner->owner != XCB_WINDOW_NONE;
-}
+bool X11Keyboard::isComposited() { return tarvix::isComposited(x_); }
+
+std::unique_ptr<HazeSurface> X11Keyboard::makeHazeSurface() { return std::make_unique<X11HazeSurface>(x_, stack_); }
 
 Handled X11Keyboard::handle(const xcb_generic_event_t& event) {
     const int type = event.response_type & 0x7f;

@@ -18,7 +18,7 @@
 #include "linux/x11/X11KeyEvent.h"
 #include "linux/x11/X11KeyState.h"
 #include "linux/x11/X11Modifiers.h"
-#include "linux/x11/X11Stacking.h"
+#include "linux/x11/X11StackKeeper.h"
 #include "platform/Panels.h"
 
 namespace tarvix {
@@ -37,8 +37,8 @@ public:
     bool takeKeyboard(std::uint32_t window, std::function<void()> lost) override;
     void releaseKeyboard() override;
     void readyForKeyPress() override;
-    void stackBelow(std::uint32_t window, std::uint32_t sibling) override { stacking_.stackBelow(window, sibling); }
-    void stackOnTop(std::uint32_t window) override { stacking_.stackOnTop(window); }
+    void stackOnTop(std::uint32_t window) override { stack_.keepOnTop(window); }
+    std::unique_ptr<HazeSurface> makeHazeSurface() override;
     bool isComposited() override;
 
 private:
@@ -98,7 +98,7 @@ private:
     X11Events& panelKeys_;
     bool hasXInput_;
     X11Modifiers modifiers_;
-    X11Stacking stacking_;
+    X11StackKeeper stack_;
     std::optional<Taken> taken_;
     bool isOffering_ = false;                     // a key press to the monitor
     xcb_window_t focusWindow_ = XCB_WINDOW_NONE;  // gets the keys of the last way; made when first needed

@@ -10,10 +10,13 @@ namespace tarvix {
 // Main thread.
 class X11Stacking {
 public:
+    // Who gives a window its place: we do, or, for one that is managed as an application's is, the window manager.
+    enum class By { us, windowManager };
+
     explicit X11Stacking(X11Connection& connection) : x_(connection) {}
 
     // Directly below another window, its frame included; nothing happens when that one has gone.
-    void stackBelow(xcb_window_t window, xcb_window_t sibling);
+    void stackBelow(xcb_window_t window, xcb_window_t sibling, By by = By::us);
     void stackOnTop(xcb_window_t window);
 
 private:

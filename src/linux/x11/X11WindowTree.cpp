@@ -41,4 +41,9 @@ bool hasWindowManager(X11Connection& connection) {
     return connection.items(check.front(), "_NET_SUPPORTING_WM_CHECK") == check;
 }
 
+std::string windowManagerName(X11Connection& connection) {
+    const auto check = connection.items(connection.root(), "_NET_SUPPORTING_WM_CHECK");
+    return check.empty() ? std::string() : connection.text(check.front(), "_NET_WM_NAME").value_or(std::string());
+}
+
 }  // namespace tarvix

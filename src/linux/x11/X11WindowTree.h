@@ -3,6 +3,7 @@
 
 #include <xcb/xcb.h>
 
+#include <string>
 #include <vector>
 
 #include "linux/x11/X11Connection.h"
@@ -18,5 +19,8 @@ std::vector<xcb_window_t> rootStack(X11Connection& connection);
 
 // Whether a window manager that keeps the common hints is there.
 bool hasWindowManager(X11Connection& connection);
+
+// What it calls itself; empty where there is none.
+std::string windowManagerName(X11Connection& connection);
 
 }  // namespace tarvix

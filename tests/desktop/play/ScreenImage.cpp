@@ -8,14 +8,20 @@
 
 namespace tarvix {
 
-std::optional<ScreenImage> captureScreen() {
-    const std::unique_ptr<xcb_connection_t, decltype([](xcb_connection_t* open) { xcb_disconnect(open); })> connection(
-        xcb_connect(nullptr, nullptr));
+namespace {
+
+using Connection = std::unique_ptr<xcb_connection_t, decltype([](xcb_connection_t* open) { xcb_disconnect(open); })>;
+
+// A width or height of 0 goes as far as the screen.
+std::optional<ScreenImage> capture(int x, int y, int width, int height) {
+    const Connection connection(xcb_connect(nullptr, nullptr));
     if (xcb_connection_has_error(connection.get())) return std::nullopt;
     const xcb_screen_t& screen = *xcb_setup_roots_iterator(xcb_get_setup(connection.get())).data;
-    const int width = screen.width_in_pixels, height = screen.height_in_pixels;
-    const auto cookie = xcb_get_image(connection.get(), XCB_IMAGE_FORMAT_Z_PIXMAP, screen.root, 0, 0,
-                                      screen.width_in_pixels, screen.height_in_pixels, ~0u);
+    if (width == 0) width = screen.width_in_pixels - x;
+    if (height == 0) height = screen.height_in_pixels - y;
+    const auto cookie = xcb_get_image(connection.get(), XCB_IMAGE_FORMAT_Z_PIXMAP, screen.root,
+                                      static_cast<std::int16_t>(x), static_cast<std::int16_t>(y),
+                                      static_cast<std::uint16_t>(width), static_cast<std::uint16_t>(height), ~0u);
     const std::unique_ptr<xcb_get_image_reply_t, decltype([](xcb_get_image_reply_t* reply) { std::free(reply); })>
         reply(xcb_get_image_reply(connection.get(), cookie, nullptr));
     const std::size_t count = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
@@ -25,6 +31,15 @@ std::optional<ScreenImage> captureScreen() {
     std::memcpy(image.pixels.data(), xcb_get_image_data(reply.get()), count * 4);
     for (std::uint32_t& pixel : image.pixels) pixel &= 0xffffffu;
     return image;
+}
+
+}  // namespace
+
+std::optional<ScreenImage> captureScreen() { return capture(0, 0, 0, 0); }
+
+std::optional<std::uint32_t> capturePixel(int x, int y) {
+    const auto image = capture(x, y, 1, 1);
+    return image ? std::optional(image->pixels.front()) : std::nullopt;
 }
 
 }  // namespace tarvix

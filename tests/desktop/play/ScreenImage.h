@@ -20,5 +20,7 @@ struct ScreenImage {
 
 // The screen with all windows as they are shown; nothing when the server refuses.
 std::optional<ScreenImage> captureScreen();
+// One pixel of it, in far less time.
+std::optional<std::uint32_t> capturePixel(int x, int y);
 
 }  // namespace tarvix
