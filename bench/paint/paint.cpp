@@ -175,7 +175,7 @@ public:
     bool takeKeyboard(std::uint32_t, std::function<void()>) override { return false; }
     void releaseKeyboard() override {}
     void stackOnTop(std::uint32_t) override {}
-    void stackBelow(std::uint32_t, std::uint32_t) override {}
+    std::unique_ptr<HazeSurface> makeHazeSurface() override { return nullptr; }
     bool isComposited() override { return true; }
 };
 
