@@ -39,6 +39,7 @@
 #include "qt/QtScreenReader.h"
 #include "qt/QtUserDefaults.h"
 #include "qt/TerminationSignals.h"
+#include "qt/ScreenLock.h"
 
 using namespace tarvix;
 
@@ -174,6 +175,8 @@ int run(std::unique_ptr<X11Windows> windows, const QProcessEnvironment& environm
     runLoop.waitForBodies();
     return status;
 }
+    ScreenLock screenLock;
+    const Subscription screenLocked = screenLock.onLocked([&core] { core.theInput().close(); });
 
 }  // namespace
 

@@ -332,6 +332,36 @@ TEST_F(X11KeyboardOnDesktop, AProgramThatTakesTheWholeKeyboardTakesItAway) {
     EXPECT_EQ(screenLock.takeLog(), tapOfA);
 }
 
+// Before it has the keyboard, which it may never get while it is ours.
+TEST_F(X11KeyboardOnDesktop, AWindowOverTheWholeScreenTakesItAway) {
+    ASSERT_TRUE(take());
+    const xcb_screen_t& screen = connection->screen();
+    X11Victim small({0, 0, 500, screen.height_in_pixels, true});
+    ASSERT_TRUE(small.show());
+    settle();
+    EXPECT_EQ(losses, 0);
+    X11Victim screenLock({0, 0, screen.width_in_pixels, screen.height_in_pixels, true});
+    ASSERT_TRUE(screenLock.show());
+    EXPECT_TRUE(loop.runUntil([&] { return losses == 1; }));
+    ASSERT_TRUE(screenLock.grabKeyboard());
+    screenLock.takeLog();
+    hardware.tap(key::a);
+    EXPECT_EQ(screenLock.takeLog(), tapOfA);
+}
+
+TEST_F(X11KeyboardOnDesktop, AWindowOfOursOverTheWholeScreenDoesNot) {
+    ASSERT_TRUE(take());
+    const xcb_window_t own = xcb_generate_id(connection->get());
+    const std::uint32_t overrideRedirect = 1;
+    xcb_create_window(connection->get(), XCB_COPY_FROM_PARENT, own, connection->root(), 0, 0,
+                      connection->screen().width_in_pixels, connection->screen().height_in_pixels, 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_OVERRIDE_REDIRECT, &overrideRedirect);
+    xcb_map_window(connection->get(), own);
+    settle();
+    EXPECT_EQ(losses, 0);
+    xcb_destroy_window(connection->get(), own);
+}
+
 TEST_F(X11KeyboardOnDesktop, AnotherWindowWithTheFocusTakesItAway) {
     ASSERT_TRUE(take());
     X11Victim other({100, 450, 200, 100, false});

@@ -9,6 +9,7 @@
 
 #include "linux/x11/EvdevKeyCodes.h"
 #include "linux/x11/X11Compositor.h"
+#include "linux/x11/X11Covering.h"
 #include "linux/x11/X11HazeSurface.h"
 #include "linux/x11/X11PanelEvents.h"
 #include "linux/x11/X11WindowTree.h"
@@ -140,6 +141,10 @@ void X11Keyboard::takeFocus(const Taken& taken) {
 
 void X11Keyboard::watchForLoss(const Taken& taken, bool on) {
     buttonPresses_.reset();
+    if (on)
+        x_.selectOnRoot(XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
+    else
+        x_.deselectOnRoot(XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
     if (hasXInput_ && on)
         buttonPresses_ = x_.selectXInputOnRoot(XCB_INPUT_DEVICE_ALL_MASTER, XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS);
     // Somebody's grab of the whole keyboard, such as a screen lock's, shows as the application's loss of the focus.
@@ -254,6 +259,9 @@ Handled X11Keyboard::handle(const xcb_generic_event_t& event) {
     if (type == XCB_PROPERTY_NOTIFY) {
         const auto& changed = reinterpret_cast<const xcb_property_notify_event_t&>(event);
         if (changed.window == x_.root() && changed.atom == x_.atom("_NET_ACTIVE_WINDOW")) activeWindowChanged();
+    } else if (type == XCB_MAP_NOTIFY) {
+        // A screen lock. It may be waiting for a keyboard that is ours, and what is typed next may be a password.
+        if (coversAScreen(x_, reinterpret_cast<const xcb_map_notify_event_t&>(event), taken_->panel)) lose();
     } else if (type == XCB_FOCUS_OUT) {
         focusLeft(reinterpret_cast<const xcb_focus_out_event_t&>(event));
     } else if (const auto* raw = asXInput(x_, event, {XCB_INPUT_RAW_BUTTON_PRESS})) {
