@@ -15,6 +15,16 @@ namespace tarvix {
 namespace {
 
 constexpr double kLeastWidth = 32;
+constexpr double kLeastTextSize = 1;
+constexpr double kMostPoints = 400;
+
+// What the settings' file says may be anything, and a panel that is larger than every screen takes all memory.
+InputLook drawable(const InputLook& wanted) {
+    return {.textSize = std::clamp(wanted.textSize, kLeastTextSize, kMostPoints),
+            .backgroundOpacity = std::clamp(wanted.backgroundOpacity, 0.0, 1.0),
+            .cornerRadius = std::clamp(wanted.cornerRadius, 0.0, kMostPoints),
+            .borderThickness = std::clamp(wanted.borderThickness, 0.0, kMostPoints)};
+}
 
 }  // namespace
 
@@ -165,10 +175,10 @@ void TheInput::widthChanged(double width) {
 }
 
 void TheInput::applyLook() {
-    const InputLook look{.textSize = inputTextSize_.value(),
-                         .backgroundOpacity = inputBackgroundOpacity_.value(),
-                         .cornerRadius = inputCornerRadius_.value(),
-                         .borderThickness = inputBorderThickness_.value()};
+    const InputLook look = drawable({.textSize = inputTextSize_.value(),
+                                     .backgroundOpacity = inputBackgroundOpacity_.value(),
+                                     .cornerRadius = inputCornerRadius_.value(),
+                                     .borderThickness = inputBorderThickness_.value()});
     if (look != look_) panel_->setLook(look);
     look_ = look;
 }

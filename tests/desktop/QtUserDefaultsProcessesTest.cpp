@@ -20,7 +20,7 @@ namespace {
 
 using Value = UserDefaults::Value;
 
-constexpr int kWrites = 300;
+constexpr int kWrites = 200;
 
 class QtUserDefaultsProcessesTest : public QtTest {
     QTemporaryDir folder_;

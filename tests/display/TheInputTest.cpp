@@ -266,5 +266,14 @@ TEST_F(TheInputTest, ItsLookFollowsTheSettings) {
     EXPECT_EQ(panel().look().textSize, 16);
 }
 
+TEST_F(TheInputTest, AFileMaySayAnythingAndThePanelCanBeDrawn) {
+    for (const char* key : {"inputTextSize", "inputBackgroundOpacity", "inputCornerRadius", "inputBorderThickness"})
+        desk.userDefaults.set(key, 1e300);
+    EXPECT_EQ(panel().look(), (InputLook{400, 1, 400, 400}));
+    for (const char* key : {"inputTextSize", "inputBackgroundOpacity", "inputCornerRadius", "inputBorderThickness"})
+        desk.userDefaults.set(key, -1e300);
+    EXPECT_EQ(panel().look(), (InputLook{1, 0, 0, 0}));
+}
+
 }  // namespace
 }  // namespace tarvix
