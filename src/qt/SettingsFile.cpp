@@ -116,7 +116,10 @@ std::string SettingsFile::setAside(std::string_view text) const {
     for (int i = 1; i <= kMostDamaged; ++i) {
         std::string name = path_ + ".damaged" + (i > 1 ? "." + std::to_string(i) : "");
         const Descriptor file(open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR));
-        if (file < 0 && errno == EEXIST) continue;
+        if (file < 0 && errno == EEXIST) {
+            if (SettingsFile(name).read() == Reading{Kind::text, std::string(text)}) return name;
+            continue;
+        }
         if (file < 0) return {};
         if (writeAll(file, text) && fsync(file) == 0) return name;
         unlink(name.c_str());

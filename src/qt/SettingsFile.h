@@ -46,7 +46,7 @@ public:
     Reading read() const;
     // Empty when done, else why not.
     std::string replace(std::string_view text) const;
-    // Keeps a damaged text beside the file, and never over an earlier one. The new file's name; empty when it can't be.
+    // Keeps a damaged text beside the file, and never over another one. The name of its file; empty when it can't be.
     std::string setAside(std::string_view text) const;
 
 private:

@@ -46,7 +46,7 @@ public:
             defaults_->set(key_.key, value);
     }
 
-    std::string_view key() const { return key_.key; }
+    // Whether the store holds anything under the key, usable or not.
     bool isStored() const { return defaults_->get(key_.key).has_value(); }
 
 private:

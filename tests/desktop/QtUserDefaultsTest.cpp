@@ -289,7 +289,7 @@ TEST_F(QtUserDefaultsTest, AStoreDamagedMeanwhileKeepsRunning) {
 TEST_F(QtUserDefaultsTest, AnEarlierDamagedFileIsNeverOverwritten) {
     testing::internal::CaptureStderr();
     QtUserDefaults defaults(path);
-    for (const char* damaged : {"first", "second", "third"}) {
+    for (const char* damaged : {"first", "second", "third", "second"}) {
         write(damaged);
         ASSERT_TRUE(runUntil([&] { return bytes() == "{}\n"; })) << damaged;
     }
@@ -297,6 +297,7 @@ TEST_F(QtUserDefaultsTest, AnEarlierDamagedFileIsNeverOverwritten) {
     EXPECT_EQ(bytes(path + ".damaged"), "first");
     EXPECT_EQ(bytes(path + ".damaged.2"), "second");
     EXPECT_EQ(bytes(path + ".damaged.3"), "third");
+    EXPECT_FALSE(QFile::exists(path + ".damaged.4")) << "what is kept already isn't kept again";
 }
 
 TEST_F(QtUserDefaultsTest, AChangeToADamagedStoreIsWrittenAtTheLatestAtTheEnd) {
