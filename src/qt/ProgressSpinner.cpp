@@ -14,6 +14,7 @@ constexpr int kStepMilliseconds = 100;
 }  // namespace
 
 ProgressSpinner::ProgressSpinner(QWidget* parent) : QWidget(parent) {
+    setObjectName("progress");
     setAttribute(Qt::WA_TransparentForMouseEvents);
     hide();
 }

@@ -137,11 +137,15 @@ protected:
     void paintEvent(QPaintEvent*) override {
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
-        QColor ground = dark_ ? Qt::black : Qt::white;
-        if (translucent_) ground.setAlphaF(static_cast<float>(look_.opacity));
         const QPainterPath shape = continuousRoundedRect(box(), look_.cornerRadius);
-        painter.fillPath(shape, ground);
-        if (look_.border > 0) painter.strokePath(shape, QPen(dark_ ? Qt::white : Qt::black, look_.border));
+        if (translucent_) {
+            QColor ground = this->ground();
+            ground.setAlphaF(static_cast<float>(look_.opacity));
+            painter.fillPath(shape, ground);
+            if (look_.border > 0) painter.strokePath(shape, QPen(ink(), look_.border));
+        } else {
+            paintOpaque(painter, shape);
+        }
         if (onPainted) onPainted();
     }
 
@@ -169,6 +173,19 @@ private:
         const double top = look_.isLarge ? inside.top() + look_.padding : inside.center().y() - size / 2;
         spinner_.setGeometry(QRectF(inside.right() - look_.padding - size, top, size, size).toRect());
     }
+    QColor ground() const { return dark_ ? Qt::black : Qt::white; }
+    QColor ink() const { return dark_ ? Qt::white : Qt::black; }
+
+    // The mask cuts whole pixels, so that all of them have to be covered; a border thinner than one is a pale one.
+    void paintOpaque(QPainter& painter, const QPainterPath& shape) {
+        painter.fillRect(rect(), look_.border >= 1 ? ink() : ground());
+        painter.fillPath(shape, ground());
+        if (look_.border <= 0) return;
+        QColor border = ink();
+        border.setAlphaF(static_cast<float>(std::min(1.0, look_.border)));
+        painter.strokePath(shape, QPen(border, std::max(1.0, look_.border)));
+    }
+
 
     // Without a compositor the corners would show as black.
     void maskIfOpaque() {
@@ -181,7 +198,7 @@ private:
         QPainter painter(&shape);
         const QPainterPath outline = continuousRoundedRect(box(), look_.cornerRadius);
         painter.fillPath(outline, Qt::color1);
-        if (look_.border > 0) painter.strokePath(outline, QPen(Qt::color1, look_.border));
+        if (look_.border > 0) painter.strokePath(outline, QPen(Qt::color1, std::max(1.0, look_.border)));
         painter.end();
         setMask(shape);
     }

@@ -416,7 +416,7 @@ TEST_P(KeptTextTest, ItComesUpSelectedAndIsReplacedByWhatIsTyped) {
     play("gtk3.py");
     startProgram(R"({"dontFlushTheInput": true})");
     open();
-    ASSERT_TRUE(program_->reached(milestone::candidatesRead, opened_.pressed));
+    ASSERT_TRUE(program_->reached(milestone::candidatesRead, opened_.pressed, kLimit));
     const Program::Step first = program_->type(*keyboard_, "elder");
     ASSERT_TRUE(first);
     EXPECT_EQ(first.answered->count, 1u);

@@ -35,6 +35,14 @@ protected:
     }
     static QWidget* window() { return topLevel("TheInput"); }
     static QLineEdit* field() { return window()->findChild<QLineEdit*>(); }
+    static QWidget* spinner() { return window()->findChild<QWidget*>("progress"); }
+    static QImage painted() { return window()->grab().toImage(); }
+    // Only its text size counts for the layout; with a border that reaches 1 pixel out of the rounded rectangle.
+    QRect boxWithTextOf(double size) {
+        panel->setLook({.textSize = size, .backgroundOpacity = 0.9, .cornerRadius = 6, .borderThickness = 2});
+        panel->setFrame({{100, 500}, {300, 0}});
+        return window()->rect().adjusted(1, 1, -1, -1);
+    }
     static double measure(const QString& text) {
         return QFontMetricsF(field()->font()).horizontalAdvance("X" + text + "XX");
     }
@@ -120,7 +128,7 @@ TEST_F(QtInputPanelTest, TheKeyboardIsTakenWhenShownAndGivenBackBeforeHiding) {
 TEST_F(QtInputPanelTest, ShowingAPanelThatIsShownTakesTheKeyboardOnce) {
     show();
     panel->makeKeyAndOrderFront();
-    EXPECT_EQ(windowing.journal, (std::vector<std::string>{"stack on top", "take keyboard"}));
+    EXPECT_EQ(windowing.journal, (std::vector<std::string>{"stack on top", "take keyboard", "stack on top"}));
 }
 
 TEST_F(QtInputPanelTest, LosingTheKeyboardIsReportedOnceAndNotReleasedAgain) {
@@ -227,13 +235,70 @@ TEST_F(QtInputPanelTest, TheCaretIsPaintedWhileThePanelHasTheKeyboard) {
 
 TEST_F(QtInputPanelTest, TheSpinnerShowsWhileProgressDoes) {
     show();
-    const QImage idle = window()->grab().toImage();
+    // Without the caret, which comes and goes by itself.
+    const auto picture = [] { return painted().copy(spinner()->geometry()); };
+    const QImage idle = picture();
     panel->setShowsProgress(true);
     drain();
-    EXPECT_NE(window()->grab().toImage(), idle);
+    EXPECT_NE(picture(), idle);
     panel->setShowsProgress(false);
     drain();
-    EXPECT_EQ(window()->grab().toImage(), idle);
+    EXPECT_EQ(picture(), idle);
+}
+
+TEST_F(QtInputPanelTest, TheFieldHasItsPaddingsAndALargeOneReachesOverTheTrailingEdge) {
+    struct Row {
+        double textSize;
+        int trailing;
+    };
+    for (const Row& row : {Row{16, 6}, Row{28, 6}, Row{28.5, -6}, Row{48, -6}}) {
+        const QRect box = boxWithTextOf(row.textSize);
+        const QRect place = field()->geometry();
+        EXPECT_EQ(place.left() - box.left(), 6) << row.textSize;
+        EXPECT_EQ(place.top() - box.top(), 6) << row.textSize;
+        EXPECT_EQ(box.bottom() - place.bottom(), 6) << row.textSize;
+        EXPECT_EQ(box.right() - place.right(), row.trailing) << row.textSize;
+    }
+}
+
+TEST_F(QtInputPanelTest, TheSpinnerIsAtTheTrailingEdgeAndAtTheTopOfALargeText) {
+    for (const double textSize : {16.0, 28.0, 28.5, 48.0}) {
+        const QRect box = boxWithTextOf(textSize);
+        const QRect place = spinner()->geometry();
+        EXPECT_EQ(box.right() - place.right(), 6) << textSize;
+        if (textSize > 28)
+            EXPECT_EQ(place.top() - box.top(), 6) << textSize;
+        else
+            EXPECT_NEAR(place.center().y(), box.center().y(), 1) << textSize;
+    }
+}
+
+TEST_F(QtInputPanelTest, AThinBorderIsOnePaleLineOnEachSide) {
+    for (const bool composited : {true, false}) {
+        windowing.composited = composited;
+        panel->orderOut();
+        panel->setLook({.textSize = 32, .backgroundOpacity = 1, .cornerRadius = 9.4, .borderThickness = 0.43});
+        panel->setFrame({{100, 500}, {300, 0}});
+        panel->makeKeyAndOrderFront();
+        const QImage picture = painted();
+        const int right = picture.width() - 1, bottom = picture.height() - 1;
+        const QPoint edges[] = {{0, bottom / 2}, {right, bottom / 2}, {right / 2, 0}, {right / 2, bottom}};
+        const QPoint inwards[] = {{1, 0}, {-1, 0}, {0, 1}, {0, -1}};
+        for (std::size_t side = 0; side < std::size(edges); ++side) {
+            EXPECT_EQ(picture.pixel(edges[side]), picture.pixel(edges[0])) << side;
+            EXPECT_GT(picture.pixelColor(edges[side] + inwards[side]).lightness(), 250) << side;
+        }
+        EXPECT_LT(picture.pixelColor(edges[0]).lightness(), 240);
+        EXPECT_GT(qAlpha(picture.pixel(edges[0])), 80);
+    }
+}
+
+TEST_F(QtInputPanelTest, SelectedTextHasTheDesktopsColoursAndCanBeRead) {
+    appearance.change({.isDark = true, .accent = {}, .selection = {1, 1, 0.6, 1}});
+    EXPECT_EQ(field()->palette().color(QPalette::Highlight).rgb(), QColor(255, 255, 153).rgb());
+    EXPECT_EQ(field()->palette().color(QPalette::HighlightedText), QColor(Qt::black));
+    appearance.change({.isDark = false, .accent = {}, .selection = {0, 0, 0.6, 1}});
+    EXPECT_EQ(field()->palette().color(QPalette::HighlightedText), QColor(Qt::white));
 }
 
 TEST_F(QtInputPanelTest, TheGroundFollowsTheAppearanceWhileThePanelStands) {
