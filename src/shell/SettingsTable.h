@@ -1,6 +1,7 @@
 // The table of all settings.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <optional>
 #include <span>
@@ -88,25 +89,24 @@ inline constexpr auto settingRows = std::to_array<SettingRow>({
 });
 // clang-format on
 
-constexpr const SettingRow* settingRow(std::string_view key) {
-    for (const SettingRow& row : settingRows)
-        if (row.key == key) return &row;
-    return nullptr;
+// Whether a view's type and default are those of a row.
+template <class T>
+constexpr bool fits(const SettingRow& row, T defaultValue) {
+    if constexpr (SettingEnumeration<T>) {
+        return std::ranges::equal(row.cases, casesOf(std::type_identity<T>{}), {}, &SettingCase::rawValue,
+                                  &SettingCase::rawValue) &&
+               row.defaultValue == SettingValue(rawValue(defaultValue));
+    } else if constexpr (std::is_same_v<T, double>) {
+        return row.defaultValue == SettingValue(defaultValue) || row.paneDefault == defaultValue;
+    } else {
+        return row.defaultValue == SettingValue(defaultValue);
+    }
 }
 
-// A view's type and default are those of the table.
 template <class T>
 constexpr bool isInSettingsTable(std::string_view key, T defaultValue) {
-    const SettingRow* row = settingRow(key);
-    if (!row) return false;
-    if constexpr (SettingEnumeration<T>) {
-        return row->cases.data() == casesOf(std::type_identity<T>{}).data() &&
-               row->defaultValue == SettingValue(rawValue(defaultValue));
-    } else if constexpr (std::is_same_v<T, double>) {
-        return row->defaultValue == SettingValue(defaultValue) || row->paneDefault == defaultValue;
-    } else {
-        return row->defaultValue == SettingValue(defaultValue);
-    }
+    return std::ranges::any_of(settingRows,
+                               [&](const SettingRow& row) { return row.key == key && fits(row, defaultValue); });
 }
 
 }  // namespace tarvix

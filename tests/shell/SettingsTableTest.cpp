@@ -60,11 +60,6 @@ TEST(SettingsTable, OnlyTheHueHasAnotherDefaultInThePreferences) {
         EXPECT_EQ(row.paneDefault, row.key == "targetsCustomColorHue" ? std::optional(0.28) : std::nullopt) << row.key;
 }
 
-TEST(SettingsTable, HasNoOldKeys) {
-    EXPECT_EQ(settingRow("searchCase"), nullptr);
-    EXPECT_EQ(settingRow("inputWidth"), nullptr);
-}
-
 TEST(SettingsTable, EachRowIsSound) {
     std::set<std::string_view> keys;
     for (const SettingRow& row : settingRows) {
