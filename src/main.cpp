@@ -21,6 +21,7 @@
 #include "linux/x11/X11HotKeys.h"
 #include "linux/x11/X11InputSources.h"
 #include "linux/x11/X11Keyboard.h"
+#include "linux/x11/X11Scale.h"
 #include "linux/x11/X11Screens.h"
 #include "linux/x11/X11Settings.h"
 #include "linux/x11/X11WindowServer.h"
@@ -105,7 +106,13 @@ std::unique_ptr<Service> require(Outcome<std::unique_ptr<Service>> service) {
 
 // Everything that may know how the desktop looks.
 struct DesktopAppearanceSources {
-    explicit DesktopAppearanceSources(X11Connection& connection) : xsettings(connection) {}
+    DesktopAppearanceSources(X11Connection& connection, const QProcessEnvironment& environment)
+        : xsettings(connection),
+          scale(connection, xsettings, environment.value("GDK_SCALE").toStdString(),
+                environment.value("QT_SCALE_FACTOR").toStdString()),
+          scaleChanged(scale.onChange([this] { together.setScale(scale.value()); })) {
+        together.setScale(scale.value());
+    }
 
     static QString configuration(const QString& name) {
         return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + "/" + name;
@@ -116,11 +123,13 @@ struct DesktopAppearanceSources {
 
     PortalAppearance portal;
     X11Settings xsettings;
+    X11Scale scale;
     FileAppearance kde{configuration("kdeglobals"), kdeAppearance};
     FileAppearance gtk{configuration("gtk-3.0/settings.ini"), gtkFile};
     PaletteAppearance toolkit;
     DesktopAppearance together{{portal, xsettings, kde, gtk, toolkit},
                                qEnvironmentVariable("XDG_CURRENT_DESKTOP").toStdString()};
+    Subscription scaleChanged;
 };
 
 int run(std::unique_ptr<X11Windows> windows, const QProcessEnvironment& environment, X11Remains& remains) {
@@ -145,7 +154,7 @@ int run(std::unique_ptr<X11Windows> windows, const QProcessEnvironment& environm
     QtScreenReader screenReader;
     workspace->setScreenReader({[&] { return screenReader.isRunning(); },
                                 [&](std::string_view text, int priority) { screenReader.announce(text, priority); }});
-    DesktopAppearanceSources appearances(*connection);
+    DesktopAppearanceSources appearances(*connection, environment);
     QtPanels panels({*keyboard, *screens, milestones, appearances.together});
     connection->watch(runLoop);
     const Subscription hotKeyPressed = hotKeys->onHotKey([&](HotKeyEvent event, std::uint32_t) {

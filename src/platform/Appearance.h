@@ -1,4 +1,4 @@
-// How the desktop looks at present: light or dark, and its colours.
+// How the desktop looks at present: light or dark, its colours, and its scale.
 #pragma once
 
 #include <functional>
@@ -12,7 +12,8 @@ namespace tarvix {
 struct AppearanceValues {
     bool isDark = false;
     Color accent;
-    Color selection;  // the ground of what is selected
+    Color selection;   // the ground of what is selected
+    double scale = 1;  // pixels for a point: text of 16 points is 16 pixels high where it is 1
     friend bool operator==(const AppearanceValues&, const AppearanceValues&) = default;
 };
 

@@ -11,7 +11,6 @@
 
 #include "base/Listeners.h"
 #include "qt/AfterTheInput.h"
-#include "qt/Appearance.h"
 #include "qt/ContinuousCorners.h"
 #include "qt/InputField.h"
 #include "qt/KeyPace.h"
@@ -30,8 +29,8 @@ constexpr double kLargeText = 28;  // beyond it the field reaches over the trail
 
 // The panel's look in pixels of this desktop.
 struct PixelLook {
-    explicit PixelLook(const InputLook& look)
-        : scale(desktopScale()),
+    PixelLook(const InputLook& look, double desktopScale)
+        : scale(desktopScale),
           textSize(std::max(1, static_cast<int>(std::lround(look.textSize * scale)))),
           opacity(std::clamp(look.backgroundOpacity, 0.0, 1.0)),
           cornerRadius(look.cornerRadius * scale),
@@ -60,7 +59,7 @@ public:
                   Qt::X11BypassWindowManagerHint | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::Tool),
           field_(this),
           spinner_(this),
-          look_(InputLook{}) {
+          look_(InputLook{}, 1) {
         setObjectName("TheInput");
         setWindowTitle("The Input");
         setAccessibleName("The Input");
@@ -74,8 +73,8 @@ public:
     ProgressSpinner& spinner() { return spinner_; }
     const PixelLook& look() const { return look_; }
 
-    void setLook(const InputLook& look) {
-        look_ = PixelLook(look);
+    void setLook(const InputLook& look, double scale) {
+        look_ = PixelLook(look, scale);
         QFont font = QGuiApplication::font();
         font.setPixelSize(look_.textSize);
         font.setWeight(QFont::Normal);
@@ -173,6 +172,7 @@ private:
         const double top = look_.isLarge ? inside.top() + look_.padding : inside.center().y() - size / 2;
         spinner_.setGeometry(QRectF(inside.right() - look_.padding - size, top, size, size).toRect());
     }
+
     QColor ground() const { return dark_ ? Qt::black : Qt::white; }
     QColor ink() const { return dark_ ? Qt::white : Qt::black; }
 
@@ -185,7 +185,6 @@ private:
         border.setAlphaF(static_cast<float>(std::min(1.0, look_.border)));
         painter.strokePath(shape, QPen(border, std::max(1.0, look_.border)));
     }
-
 
     // Without a compositor the corners would show as black.
     void maskIfOpaque() {
@@ -229,11 +228,8 @@ public:
         };
         pace_.onDealtWith = [this] { services_.windowing.readyForKeyPress(); };
         window_.setAppearance(services_.appearance.values());
-        appearanceChanged_ =
-            services_.appearance.onChange([this] { window_.setAppearance(services_.appearance.values()); });
-        window_.setLook(look_);
-        setFrame({});
-        remeasure();
+        appearanceChanged_ = services_.appearance.onChange([this] { appearanceChanged(); });
+        adoptLook();
         warmUp();
     }
 
@@ -284,9 +280,7 @@ public:
     void setLook(const InputLook& look) override {
         if (look == look_) return;
         look_ = look;
-        window_.setLook(look);
-        setFrame(frame_);
-        remeasure();
+        adoptLook();
     }
 
     Subscription onTextChanged(std::function<void(const std::string&)> changed) override {
@@ -309,6 +303,18 @@ private:
         window_.field().setText("abcdefghijklmnopqrstuvwxyz");
         window_.grab();
         window_.field().setText({});
+    }
+
+    void appearanceChanged() {
+        const AppearanceValues& now = services_.appearance.values();
+        window_.setAppearance(now);
+        if (now.scale != window_.look().scale) adoptLook();
+    }
+
+    void adoptLook() {
+        window_.setLook(look_, services_.appearance.values().scale);
+        setFrame(frame_);
+        remeasure();
     }
 
     void edited() {

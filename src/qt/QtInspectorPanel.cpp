@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "qt/Appearance.h"
 #include "qt/ServerSync.h"
 
 namespace tarvix {
@@ -78,9 +77,9 @@ QString showable(const QString& text, const QFont& font) {
     return words.join(' ');
 }
 
-QFont fontOf(double points, QFont::Weight weight) {
+QFont fontOf(double pixels, QFont::Weight weight) {
     QFont font = QGuiApplication::font();
-    font.setPixelSize(std::max(1, static_cast<int>(std::lround(points * desktopScale()))));
+    font.setPixelSize(std::max(1, static_cast<int>(std::lround(pixels))));
     font.setWeight(weight);
     return font;
 }
@@ -103,21 +102,21 @@ public:
     }
 
     Size arrange(Size most) {
-        scale_ = desktopScale();
         const double paddings = 2 * kPadding * scale_;
         const double width = most.width - paddings;
-        const QFont headingFont = fontOf(kHeadingSize, QFont::Bold);
+        const QFont headingFont = fontOf(kHeadingSize * scale_, QFont::Bold);
         heading_.arrange(showable(QString::fromStdString(content_.heading), headingFont), headingFont,
                          {width, most.height});
         QString body = QString::fromStdString(content_.body);
         if (body.endsWith('\n')) body.chop(1);
-        body_.arrange(body, fontOf(kTextSize, QFont::Normal), {width, most.height - paddings - bodyTop()});
+        body_.arrange(body, fontOf(kTextSize * scale_, QFont::Normal), {width, most.height - paddings - bodyTop()});
         return {std::min(most.width, std::ceil(std::max(heading_.size().width(), body_.size().width()) + paddings)),
                 std::min(most.height, std::ceil(paddings + bodyTop() + body_.size().height()))};
     }
 
-    void setDark(bool isDark) {
-        isDark_ = isDark;
+    void setAppearance(const AppearanceValues& appearance) {
+        isDark_ = appearance.isDark;
+        scale_ = appearance.scale;
         update();
     }
 
@@ -188,9 +187,9 @@ class QtInspectorPanel : public InspectorPanel {
 public:
     explicit QtInspectorPanel(const PanelServices& services) : services_(services) {
         window_.onPainted = [this] { painted(); };
-        window_.setDark(services_.appearance.values().isDark);
+        window_.setAppearance(services_.appearance.values());
         appearanceChanged_ =
-            services_.appearance.onChange([this] { window_.setDark(services_.appearance.values().isDark); });
+            services_.appearance.onChange([this] { window_.setAppearance(services_.appearance.values()); });
     }
 
     void setContent(const InspectorContent& content) override {

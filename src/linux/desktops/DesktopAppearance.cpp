@@ -54,14 +54,25 @@ DesktopAppearance::DesktopAppearance(const Sources& sources, std::string current
 
 AppearanceValues DesktopAppearance::read() const {
     const AppearanceTold toolkit = sources_.toolkit.told();
-    const AppearanceValues known{*toolkit.isDark, *toolkit.accent, *toolkit.selection};
+    const AppearanceValues known{*toolkit.isDark, *toolkit.accent, *toolkit.selection, 1};
     return appearanceOf(
         {sources_.portal.told(), sources_.xsettings.told(), sources_.kde.told(), sources_.gtk.told(), known},
         currentDesktop_);
 }
 
 void DesktopAppearance::refresh() {
-    const AppearanceValues now = read();
+    AppearanceValues now = read();
+    now.scale = values_.scale;
+    change(now);
+}
+
+void DesktopAppearance::setScale(double scale) {
+    AppearanceValues now = values_;
+    now.scale = scale;
+    change(now);
+}
+
+void DesktopAppearance::change(const AppearanceValues& now) {
     if (now == values_) return;
     values_ = now;
     changed_();

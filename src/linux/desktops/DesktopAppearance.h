@@ -34,6 +34,8 @@ public:
     DesktopAppearance(const Sources& sources, std::string currentDesktop);
 
     const AppearanceValues& values() const override { return values_; }
+    // The sources tell nothing of the scale.
+    void setScale(double scale);
     [[nodiscard]] Subscription onChange(std::function<void()> changed) override {
         return changed_.add(std::move(changed));
     }
@@ -41,6 +43,7 @@ public:
 private:
     AppearanceValues read() const;
     void refresh();
+    void change(const AppearanceValues& now);
 
     Sources sources_;
     std::string currentDesktop_;

@@ -48,11 +48,18 @@ void X11Settings::findService() {
 
 void X11Settings::read() {
     AppearanceTold told;
-    if (service_ != XCB_WINDOW_NONE)
-        if (const auto bytes = x_.text(service_, "_XSETTINGS_SETTINGS"))
-            told = gtkAppearance(gtkChoice(xSettings(*bytes)), installedGtkThemeSheet);
-    if (told == told_) return;
+    std::optional<std::int32_t> dpi;
+    const auto bytes = service_ != XCB_WINDOW_NONE ? x_.text(service_, "_XSETTINGS_SETTINGS") : std::nullopt;
+    if (bytes) {
+        const XSettings settings = xSettings(*bytes);
+        told = gtkAppearance(gtkChoice(settings), installedGtkThemeSheet);
+        const auto found = settings.find("Xft/DPI");
+        const auto* number = found != settings.end() ? std::get_if<std::int32_t>(&found->second) : nullptr;
+        if (number) dpi = *number;
+    }
+    if (told == told_ && dpi == dpi_) return;
     told_ = told;
+    dpi_ = dpi;
     changed_();
 }
 

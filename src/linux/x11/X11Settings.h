@@ -1,8 +1,10 @@
-// The appearance by the X settings, which most desktops keep for GTK programs.
+// The appearance, and the dots per inch, by the X settings, which most desktops keep for GTK programs.
 #pragma once
 
 #include <xcb/xcb.h>
 
+#include <cstdint>
+#include <optional>
 #include <string>
 
 #include "base/Listeners.h"
@@ -19,6 +21,8 @@ public:
     explicit X11Settings(X11Connection& connection);
 
     AppearanceTold told() const override { return told_; }
+    // Xft/DPI, in 1024ths; absent where it isn't told.
+    std::optional<std::int32_t> dpi() const { return dpi_; }
     [[nodiscard]] Subscription onChange(std::function<void()> changed) override {
         return changed_.add(std::move(changed));
     }
@@ -32,6 +36,7 @@ private:
     std::string selection_;  // whose owner is the service
     xcb_window_t service_ = XCB_WINDOW_NONE;
     AppearanceTold told_;
+    std::optional<std::int32_t> dpi_;
     Listeners<> changed_;
     Subscription events_;
 };
