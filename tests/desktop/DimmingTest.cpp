@@ -14,7 +14,6 @@
 
 #include "tests/desktop/X11Victim.h"
 #include "tests/desktop/play/Await.h"
-#include "tests/desktop/play/Fixture.h"
 #include "tests/desktop/play/Keyboard.h"
 #include "tests/desktop/play/Process.h"
 #include "tests/desktop/play/Program.h"
@@ -79,8 +78,16 @@ protected:
         program_.emplace(TARVIX_PROGRAM);
         ASSERT_TRUE(program_->isReady());
     }
-    void search() { ASSERT_TRUE(program_->pressHotKey(keyboard_)); }
+    void search() { ASSERT_TRUE(program_->pressHotKey(keyboard_)) << moments(); }
     void endSearch() { ASSERT_TRUE(program_->press(keyboard_, keysym::escape, milestone::inputHidden)); }
+
+    // What the program has come through so far.
+    std::string moments() const {
+        std::string all;
+        for (const Moment& moment : program_->log().all())
+            all += moment.name + " " + std::to_string(moment.count) + "; ";
+        return all;
+    }
 
     static int greyAt(ScreenPoint at) {
         const auto pixel = capturePixel(at.x, at.y);
@@ -98,6 +105,15 @@ protected:
         setBackground(last, kRed);
         ASSERT_TRUE(last.show());
         ASSERT_TRUE(await(kLimit, [] { return capturePixel(1890, 310) == kRed; }));
+    }
+
+    // Of the brightest channel of any pixel there.
+    static int brightest(const ScreenImage& image, AxRect region) {
+        std::uint32_t most = 0;
+        for (int y = static_cast<int>(region.minY()); y < static_cast<int>(region.maxY()); ++y)
+            for (int x = static_cast<int>(region.minX()); x < static_cast<int>(region.maxX()); ++x)
+                for (const int shift : {0, 8, 16}) most = std::max(most, image.at(x, y) >> shift & 255);
+        return static_cast<int>(most);
     }
 
     // In The Input, which stands above the target window, in front of nothing that is as bright.
@@ -135,19 +151,19 @@ protected:
     }
 
     // As a taskbar does it; it comes to the front, even where it was active before.
-    static void activate(X11Victim& window) {
-        X11Connection& x = window.connection();
+    void activate(xcb_window_t window) {
+        X11Connection& x = desktop_.connection();
         xcb_client_message_event_t message{};
         message.response_type = XCB_CLIENT_MESSAGE;
         message.format = 32;
-        message.window = window.window();
+        message.window = window;
         message.type = x.atom("_NET_ACTIVE_WINDOW");
         message.data.data32[0] = 2;
         xcb_send_event(x.get(), 0, x.root(), XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
                        reinterpret_cast<const char*>(&message));
         ASSERT_TRUE(await(kLimit, [&] {
             const auto active = x.items(x.root(), "_NET_ACTIVE_WINDOW");
-            return !active.empty() && active.front() == window.window();
+            return !active.empty() && active.front() == window;
         }));
     }
 
@@ -243,7 +259,7 @@ TEST_F(DimmingTest, TheNextSearchBringsItBackBelowTheWindowThatIsActiveThen) {
         endSearch();  // the next one comes while it still fades
     }
     ASSERT_TRUE(becomes(kBehind, kWhite));
-    activate(behind_);
+    activate(behind_.window());
     search();
     EXPECT_TRUE(becomes(kInTarget, kDimmed));
     EXPECT_EQ(greyAt(kBehind), kWhite);
@@ -257,7 +273,7 @@ TEST_F(DimmingTest, AWindowThatComesBehindTheTargetDuringTheSearchIsDimmedToo) {
     X11Victim later(kLaterPlace);
     neverActivate(later);
     ASSERT_TRUE(later.show());
-    activate(target_);
+    activate(target_.window());
     EXPECT_TRUE(becomes(kOnLater, kDimmed)) << greyAt(kOnLater);
     EXPECT_EQ(greyAt(kInTarget), kWhite);
 }
@@ -289,6 +305,100 @@ TEST_F(DimmingTest, TheInputStaysAboveAWindowThatComesOnTopLater) {
     ASSERT_TRUE(notification.show());
     EXPECT_TRUE(becomes({1050, 320}, 0));
     EXPECT_TRUE(await(kLimit, [&] { return greyAt(*theInput) > kGrey; })) << greyAt(*theInput);
+}
+
+// Under 0.6 nothing of the applications is brighter than this.
+constexpr int kBrightestDimmed = 103;
+
+TEST_F(DimmingTest, OverTheWholeScreenTheInputIsNotDimmed) {
+    startProgram(R"({"hazeOverWindowStyle": "fadeOutWholeScreen", "hazeOverWindowOpacity": 0.6})");
+    search();
+    ASSERT_TRUE(becomes(kOnBar, 102)) << greyAt(kOnBar);
+    // It stands at the target window's upper edge, and nothing else is bright.
+    const auto image = captureScreen();
+    const double top = kTargetPlace.y + 100, width = image->width;
+    EXPECT_GT(brightest(*image, {{0, 0}, {width, top}}), kBrightestDimmed);
+    EXPECT_LE(brightest(*image, {{0, top}, {width, image->height - top}}), kBrightestDimmed);
+}
+
+class DimmingOnTwoMonitorsTest : public DimmingTest {
+protected:
+    void SetUp() override {
+        ASSERT_EQ(std::system("xrandr --setmonitor left 960/254x1080/286+0+0 screen"), 0);
+        ASSERT_EQ(std::system("xrandr --setmonitor right 960/254x1080/286+960+0 none"), 0);
+        DimmingTest::SetUp();
+    }
+    void TearDown() override {
+        for (const auto* remove : {"xrandr --delmonitor right", "xrandr --delmonitor left"})
+            EXPECT_EQ(std::system(remove), 0);
+    }
+};
+
+TEST_F(DimmingOnTwoMonitorsTest, TheOtherMonitorIsLeftAloneInEitherStyle) {
+    for (const auto* style : {"fadeOutExceptDockMenuBarAndFrontmostApp", "fadeOutWholeScreen"}) {
+        program_.reset();
+        ASSERT_TRUE(becomes(kBehind, kWhite));
+        startProgram(R"({"hazeOverWindowStyle": ")" + std::string(style) + "\"}");
+        const auto before = captureScreen();
+        search();
+        ASSERT_TRUE(becomes(kBehind, kDimmed));
+        const auto during = captureScreen();
+        const int edge = 960;
+        EXPECT_TRUE(isNear(greyIn(*during, {edge - 1, 100}), kDimmed)) << greyIn(*during, {edge - 1, 100});
+        bool isSame = true;
+        for (int y = 0; y < during->height; ++y)
+            for (int x = edge; x < during->width; ++x) isSame = isSame && during->at(x, y) == before->at(x, y);
+        EXPECT_TRUE(isSame) << style;
+    }
+}
+
+// On a desktop without a compositor
+// -------------------------------------------------------------------------------------
+
+class UncompositedDimmingTest : public DimmingTest {
+protected:
+    // Waits until windows are blended, or aren't any more. To and from that the server unmaps them for a moment, which
+    // may cost the target the focus.
+    void awaitBlending(bool isBlended) {
+        X11Victim glass({1700, 300, 30, 30, true});
+        setBackground(glass, kBlack);
+        glass.set32("_NET_WM_WINDOW_OPACITY", "CARDINAL", {0x7fffffff});
+        ASSERT_TRUE(glass.show());
+        ASSERT_TRUE(becomes({1710, 310}, isBlended ? kGrey : 0)) << greyAt({1710, 310});
+        ASSERT_TRUE(target_.focus());
+    }
+    void expectNothingIsDimmed() {
+        search();
+        settle();
+        const auto image = captureScreen();
+        for (const ScreenPoint place : {kOnDesktop, kInTarget, kBehind, kOnBar})
+            EXPECT_EQ(greyIn(*image, place), kWhite);
+        endSearch();
+    }
+};
+
+TEST_F(UncompositedDimmingTest, NothingIsDimmedInEitherStyle) {
+    for (const auto* style : {"fadeOutExceptDockMenuBarAndFrontmostApp", "fadeOutWholeScreen"}) {
+        program_.reset();
+        startProgram(R"({"hazeOverWindowStyle": ")" + std::string(style) + "\"}");
+        expectNothingIsDimmed();
+    }
+}
+
+TEST_F(UncompositedDimmingTest, ACompositorThatComesAndGoesWhileTheProgramRunsIsNoticed) {
+    startProgram();
+    expectNothingIsDimmed();
+    {
+        Process picom({"picom", "--config", std::string(std::getenv("XDG_CONFIG_HOME")) + "/picom.conf"});
+        awaitBlending(true);
+        search();
+        EXPECT_TRUE(becomes(kBehind, kDimmed)) << greyAt(kBehind);
+        EXPECT_EQ(greyAt(kInTarget), kWhite);
+        endSearch();
+        ASSERT_TRUE(becomes(kBehind, kWhite));
+    }
+    awaitBlending(false);
+    expectNothingIsDimmed();
 }
 
 }  // namespace
