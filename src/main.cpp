@@ -39,8 +39,8 @@
 #include "qt/QtRunLoop.h"
 #include "qt/QtScreenReader.h"
 #include "qt/QtUserDefaults.h"
-#include "qt/TerminationSignals.h"
 #include "qt/ScreenLock.h"
+#include "qt/TerminationSignals.h"
 
 using namespace tarvix;
 
@@ -175,6 +175,8 @@ int run(std::unique_ptr<X11Windows> windows, const QProcessEnvironment& environm
         core.theInput().close();  // gives the keyboard back before anything is waited for
         QCoreApplication::quit();
     });
+    ScreenLock screenLock;
+    const Subscription screenLocked = screenLock.onLocked([&core] { core.theInput().close(); });
     const Subscription serverGone = connection->onGone([&core] {
         std::fputs("tarvix: the X server has closed the connection\n", stderr);
         core.theInput().close();
@@ -184,8 +186,6 @@ int run(std::unique_ptr<X11Windows> windows, const QProcessEnvironment& environm
     runLoop.waitForBodies();
     return status;
 }
-    ScreenLock screenLock;
-    const Subscription screenLocked = screenLock.onLocked([&core] { core.theInput().close(); });
 
 }  // namespace
 
