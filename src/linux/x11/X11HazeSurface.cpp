@@ -7,6 +7,7 @@
 #include <cmath>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "linux/x11/X11Compositor.h"
 #include "linux/x11/X11WindowTree.h"

@@ -4,6 +4,8 @@
 #include <xcb/xcb.h>
 
 #include <cstdint>
+#include <string_view>
+#include <vector>
 
 #include "linux/x11/X11Connection.h"
 #include "linux/x11/X11StackKeeper.h"

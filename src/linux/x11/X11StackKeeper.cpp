@@ -4,6 +4,8 @@
 #include <array>
 #include <chrono>
 #include <cstdint>
+#include <iterator>
+#include <utility>
 
 #include "linux/x11/X11WindowTree.h"
 
@@ -28,6 +30,7 @@ struct Box {
 // The boxes of those windows of the root that show something.
 std::vector<Box> shownBoxes(X11Connection& x, const std::vector<xcb_window_t>& windows) {
     std::vector<std::pair<xcb_get_window_attributes_cookie_t, xcb_get_geometry_cookie_t>> asked;
+    asked.reserve(windows.size());
     for (const xcb_window_t window : windows)
         asked.emplace_back(xcb_get_window_attributes(x.get(), window), xcb_get_geometry(x.get(), window));
     std::vector<Box> boxes;
@@ -117,6 +120,7 @@ void X11StackKeeper::look() {
 
 void X11StackKeeper::forgetUnmapped() {
     std::vector<xcb_get_window_attributes_cookie_t> asked;
+    asked.reserve(top_.size());
     for (const xcb_window_t window : top_) asked.push_back(xcb_get_window_attributes(x_.get(), window));
     std::vector<xcb_window_t> mapped;
     for (std::size_t i = 0; i < asked.size(); ++i) {
