@@ -68,7 +68,8 @@ protected:
         ASSERT_TRUE(bar_.show());
         ASSERT_TRUE(target_.show());
         ASSERT_TRUE(target_.focus());
-        for (const ScreenPoint place : {kOnDesktop, kBehind, kOnBar, kInTarget}) ASSERT_TRUE(becomes(place, kWhite));
+        for (const ScreenPoint place : {kOnDesktop, kBehind, kOnBar, kInTarget})
+            ASSERT_TRUE(becomes(place, kWhite)) << place.x << "," << place.y << " is " << greyAt(place);
     }
 
     void startProgram(const std::string& settings = "{}") {

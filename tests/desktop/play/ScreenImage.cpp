@@ -14,7 +14,7 @@ using Connection = std::unique_ptr<xcb_connection_t, decltype([](xcb_connection_
 
 // A width or height of 0 goes as far as the screen.
 std::optional<ScreenImage> capture(int x, int y, int width, int height) {
-    const Connection connection(xcb_connect(nullptr, nullptr));
+    static const Connection connection(xcb_connect(nullptr, nullptr));  // for all pictures: some tests take thousands
     if (xcb_connection_has_error(connection.get())) return std::nullopt;
     const xcb_screen_t& screen = *xcb_setup_roots_iterator(xcb_get_setup(connection.get())).data;
     if (width == 0) width = screen.width_in_pixels - x;
