@@ -83,6 +83,7 @@ std::vector<AxRect> X11Screens::readMonitors() {
 std::vector<PanelRect> X11Screens::frames() {
     std::vector<PanelRect> frames;
     const auto all = monitors();
+    frames.reserve(all.size());
     for (const AxRect& monitor : all) frames.push_back(flip(monitor, all.front().height()));
     return frames;
 }
