@@ -81,6 +81,13 @@ public:
                   xcb_grab_keyboard(x_, 1, window, XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC));
         return grabbed && grabbed->status == XCB_GRAB_STATUS_SUCCESS;
     }
+    // Whether somebody else has it as a whole.
+    bool isKeyboardGrabbed() {
+        if (!grabKeyboard(root_)) return true;
+        xcb_ungrab_keyboard(x_, XCB_CURRENT_TIME);
+        sync();
+        return false;
+    }
     // Whether a key press has come since the last question.
     bool gotKey() {
         bool got = false;
@@ -357,12 +364,14 @@ TEST_F(LosingTheKeyboardTest, ARealScreenLockEndsTheSearch) {
     const std::int64_t before = monotonicMicroseconds();
     Process lock({"i3lock", "--nofork", "--color=204060"});
     EXPECT_TRUE(isClosedSince(before));
-    // It is out until its window goes: what is typed is neither The Input's nor the application's.
+    // What is typed while it has the keyboard is neither The Input's nor the application's.
+    ASSERT_TRUE(await(kLimit, [this] { return display_.isKeyboardGrabbed(); }));
     const std::size_t changes = textChanges();
     const std::string keys = fixture_->keys();
     keyboard_->type("z");
     lock.send(SIGTERM);
     ASSERT_TRUE(lock.waitForEnd(kLimit));
+    ASSERT_TRUE(await(kLimit, [this] { return !display_.isKeyboardGrabbed(); })) << "the server has noticed its end";
     EXPECT_EQ(textChanges(), changes);
     EXPECT_EQ(fixture_->keys(), keys);
     expectKeysReachTheFixture();
