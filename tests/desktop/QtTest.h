@@ -110,15 +110,6 @@ public:
     std::vector<std::string> moments;
 };
 
-class QtPanelTest : public QtTest {
-protected:
-    TestWindowing windowing;
-    TestScreens screens;
-    TestMilestones milestones;
-    TestAppearance appearance;
-    PanelServices services{windowing, screens, milestones, appearance};
-};
-
 class TestAppearance : public Appearance {
 public:
     const AppearanceValues& values() const override { return values_; }
@@ -131,6 +122,15 @@ public:
 private:
     AppearanceValues values_;
     Listeners<> changed_;
+};
+
+class QtPanelTest : public QtTest {
+protected:
+    TestWindowing windowing;
+    TestScreens screens;
+    TestMilestones milestones;
+    TestAppearance appearance;
+    PanelServices services{windowing, screens, milestones, appearance};
 };
 
 }  // namespace tarvix
