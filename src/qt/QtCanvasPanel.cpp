@@ -36,10 +36,10 @@ QRegion covering(const std::vector<QRect>& rects) {
     return bounding;
 }
 
-// The pixels that a painter paints on, if they are such as can be painted on directly.
+// The pixels that a painter paints on, if they are such as can be painted on directly and lie as the painter counts.
 QImage* surfaceOf(QPainter& painter) {
     QPaintDevice* device = painter.paintEngine()->paintDevice();
-    if (!device || device->devType() != QInternal::Image || device->devicePixelRatio() != 1) return nullptr;
+    if (!device || device->devType() != QInternal::Image || !painter.deviceTransform().isIdentity()) return nullptr;
     auto* image = static_cast<QImage*>(device);
     return MarkerPainter::suits(*image) ? image : nullptr;
 }

@@ -146,6 +146,28 @@ TEST_F(QtCanvasPanelTest, OnlyTheChangedMarkersArePaintedAnew) {
     topLevel("Canvas")->removeEventFilter(&watch);
 }
 
+// Onto the window's own pixels it paints in a way of its own.
+TEST_F(QtCanvasPanelTest, ItLooksTheSameOnAnySurface) {
+    if (!windowing.composited) GTEST_SKIP() << "no compositor runs here";
+    markers = {block(at(100, 100, 50, 30), 0.6), outline(at(200, 100, 50, 30), 0.9), block(at(210, 110, 60, 40), 0.6)};
+    show();
+    const auto rendered = [](QImage::Format format, QPoint offset) {
+        QImage image(400, 200, format);
+        image.fill(Qt::black);
+        topLevel("Canvas")->render(&image, offset, QRegion(), QWidget::DrawChildren);
+        return image;
+    };
+    const QImage own = rendered(QImage::Format_ARGB32_Premultiplied, {});
+    const QImage foreign = rendered(QImage::Format_RGB32, {});
+    const QImage moved = rendered(QImage::Format_ARGB32_Premultiplied, {7, 9});
+    EXPECT_NEAR(qRed(own.pixel(110, 110)), 153, 1);
+    for (int y = 0; y < 180; ++y)
+        for (int x = 0; x < 380; ++x) {
+            ASSERT_NEAR(qRed(own.pixel(x, y)), qRed(foreign.pixel(x, y)), 2) << x << "," << y;
+            ASSERT_NEAR(qRed(own.pixel(x, y)), qRed(moved.pixel(x + 7, y + 9)), 2) << x << "," << y;
+        }
+}
+
 TEST_F(QtCanvasPanelTest, HiddenItIsGoneAndComesBackWithNewContent) {
     markers = {block(at(100, 100, 50, 30), 1)};
     show();
