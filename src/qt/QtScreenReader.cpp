@@ -1,14 +1,15 @@
 #include "qt/QtScreenReader.h"
 
 #include <QAccessible>
+#include <QApplication>
 #include <QDBusArgument>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDBusVariant>
-#include <QGuiApplication>
 #include <QStringList>
+#include <QWidget>
 #include <algorithm>
 #include <utility>
 
@@ -35,6 +36,8 @@ constexpr int kHighPriority = 90;
 // The object in whose name is spoken: readers heed what has the focus.
 QString speaker() {
     QObject* focused = QGuiApplication::focusObject();
+    for (const QWidget* window : QApplication::topLevelWidgets())
+        if (!focused && window->isVisible()) focused = window->focusWidget();  // Qt may learn of it a moment later
     QAccessibleInterface* interface = focused ? QAccessible::queryAccessibleInterface(focused) : nullptr;
     return kAccessible + (interface ? QString::number(QAccessible::uniqueId(interface)) : "root");
 }
