@@ -44,8 +44,7 @@ inline void blendBlock(Pixel* to, const Pixel* source, const Pixel* through) {
     std::memcpy(factor.data(), through, factor.size());
     for (std::size_t i = 0; i < channel.size(); ++i) {
         const auto product = static_cast<std::uint16_t>(channel[i] * factor[i] + 128);
-        const auto rounded = static_cast<std::uint16_t>(product + (product >> 8));
-        channel[i] = static_cast<std::uint8_t>(added[i] + (rounded >> 8));
+        channel[i] = static_cast<std::uint8_t>(added[i] + ((product * 257u) >> 16));  // by 255
     }
     std::memcpy(to, channel.data(), channel.size());
 }
