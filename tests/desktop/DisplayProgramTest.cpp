@@ -428,9 +428,11 @@ protected:
     }
     // The size of The Input as it opens, with an empty text.
     Size openAndClose() {
+        bright_ = captureScreen();
         EXPECT_TRUE(program_->pressHotKey(keyboard_));
         const Size size = theInput().size;
         EXPECT_TRUE(program_->press(keyboard_, keysym::escape, milestone::inputHidden));
+        EXPECT_TRUE(await(kLimit, [&] { return isBright(); })) << "the dimming doesn't go";
         return size;
     }
     Size unscaled() {
