@@ -3,10 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <fstream>
 
 #include "core/KeyHelp.h"
 #include "core/KeyRouting.h"
+#include "tests/MarkdownTable.h"
 
 namespace tarvix {
 namespace {
@@ -30,26 +30,10 @@ TEST(KeyHelp, HasARowForEachActionWithAllItsKeys) {
     EXPECT_EQ(keys, static_cast<std::ptrdiff_t>(keyRoutes.size()));
 }
 
-// The rows of the table whose head begins with "| key ".
-std::vector<std::string> readmeRows() {
-    std::ifstream readme(TARVIX_README);
-    std::vector<std::string> rows;
-    bool inTable = false;
-    for (std::string line; std::getline(readme, line);) {
-        if (line.starts_with("| key "))
-            inTable = true;
-        else if (!line.starts_with('|'))
-            inTable = false;
-        else if (inTable && !line.starts_with("|---"))
-            rows.push_back(line);
-    }
-    return rows;
-}
-
 TEST(Readme, ListsEveryKeyOfTheTableWithItsHelpAndBesidesOnlyWhatIsTheTextFields) {
     std::vector<std::string> expected;
     for (const KeyHelpRow& row : keyHelp()) expected.push_back("| " + row.keys + " | " + std::string(row.help) + " |");
-    std::vector<std::string> rows = readmeRows();
+    std::vector<std::string> rows = rowsBelow(TARVIX_README, "| key ");
     EXPECT_EQ(std::erase_if(rows,
                             [](const std::string& row) {
                                 return row.starts_with("| letters |") || row.starts_with("| `*` |") ||

@@ -215,18 +215,6 @@ protected:
         return found.empty() ? AxRect{} : found.front();
     }
 
-    static std::optional<AxRect> difference(const ScreenImage& a, const ScreenImage& b, const AxRect& region) {
-        int left = a.width, top = a.height, right = -1, bottom = -1;
-        for (int y = static_cast<int>(region.minY()); y < static_cast<int>(region.maxY()); ++y)
-            for (int x = static_cast<int>(region.minX()); x < static_cast<int>(region.maxX()); ++x)
-                if (a.at(x, y) != b.at(x, y)) {
-                    left = std::min(left, x), right = std::max(right, x);
-                    top = std::min(top, y), bottom = std::max(bottom, y);
-                }
-        if (right < left) return std::nullopt;
-        return AxRect{{double(left), double(top)}, {double(right - left + 1), double(bottom - top + 1)}};
-    }
-
     static std::vector<std::uint32_t> cornersOf(const ScreenImage& image, const AxRect& area) {
         std::vector<std::uint32_t> corners;
         for (const double x : {area.minX(), area.maxX() - 1})

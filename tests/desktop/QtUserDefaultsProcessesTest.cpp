@@ -49,25 +49,23 @@ protected:
 // The other program's store; by itself a part has nothing to do.
 class QtUserDefaultsWriter : public testing::Test {
 protected:
+    void SetUp() override { ASSERT_FALSE(path.isEmpty()); }
+
     QString path = qEnvironmentVariable("TARVIX_TEST_STORE");
+
+private:
+    int count_ = 1;
+    char name_[7] = "writer";
+    char* arguments_[2] = {name_, nullptr};
+    QCoreApplication application_{count_, arguments_};
 };
 
 TEST_F(QtUserDefaultsWriter, DISABLED_WritesItsKeys) {
-    ASSERT_FALSE(path.isEmpty());
-    int count = 1;
-    char name[] = "writer";
-    char* arguments[] = {name, nullptr};
-    QCoreApplication application(count, arguments);
     QtUserDefaults defaults(path);
     for (int i = 0; i < kWrites; ++i) defaults.set("theirs" + std::to_string(i % 50), static_cast<double>(i));
 }
 
 TEST_F(QtUserDefaultsWriter, DISABLED_WritesForEver) {
-    ASSERT_FALSE(path.isEmpty());
-    int count = 1;
-    char name[] = "writer";
-    char* arguments[] = {name, nullptr};
-    QCoreApplication application(count, arguments);
     QtUserDefaults defaults(path);
     const std::string longText(20'000, 'x');
     for (int i = 0;; ++i) {

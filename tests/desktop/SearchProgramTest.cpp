@@ -113,19 +113,6 @@ protected:
         return box;
     }
 
-    static std::optional<AxRect> difference(const ScreenImage& a, const ScreenImage& b, AxRect region) {
-        int left = a.width, top = a.height, right = -1, bottom = -1;
-        for (int y = static_cast<int>(region.minY()); y < static_cast<int>(region.maxY()); ++y)
-            for (int x = static_cast<int>(region.minX()); x < static_cast<int>(region.maxX()); ++x)
-                if (a.at(x, y) != b.at(x, y)) {
-                    left = std::min(left, x), right = std::max(right, x);
-                    top = std::min(top, y), bottom = std::max(bottom, y);
-                }
-        if (right < left) return std::nullopt;
-        return AxRect{{static_cast<double>(left), static_cast<double>(top)},
-                      {static_cast<double>(right - left + 1), static_cast<double>(bottom - top + 1)}};
-    }
-
     Keyboard keyboard_;
     std::optional<Fixture> fixture_;
     std::optional<Program> program_;

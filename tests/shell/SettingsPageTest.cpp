@@ -3,12 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <charconv>
-#include <fstream>
 #include <string>
 #include <vector>
 
 #include "shell/SettingsTable.h"
 #include "shell/TheInputMakeup.h"
+#include "tests/MarkdownTable.h"
 
 namespace tarvix {
 namespace {
@@ -46,33 +46,20 @@ std::string pageRow(const SettingRow& row) {
 }
 
 // The rows of the page's tables whose head begins so.
-Rows rowsBelow(std::string_view head) {
-    std::ifstream page(TARVIX_SETTINGS_PAGE);
-    Rows rows;
-    bool inTable = false;
-    for (std::string line; std::getline(page, line);) {
-        if (line.starts_with(head))
-            inTable = true;
-        else if (!line.starts_with('|'))
-            inTable = false;
-        else if (inTable && !line.starts_with("|---"))
-            rows.push_back(line);
-    }
-    return rows;
-}
+Rows pageRows(std::string_view head) { return rowsBelow(TARVIX_SETTINGS_PAGE, head); }
 
 TEST(SettingsPage, ListsTheSettingsThatAreReadWithAnExampleOfEach) {
     Rows expected;
     for (const SettingRow& row : settingRows)
         if (!row.readBy.empty()) expected.push_back(pageRow(row));
-    EXPECT_THAT(rowsBelow("| setting "), ElementsAreArray(expected));
+    EXPECT_THAT(pageRows("| setting "), ElementsAreArray(expected));
 }
 
 TEST(SettingsPage, ListsTheSettingsThatNothingReadsYetByThemselves) {
     Rows expected;
     for (const SettingRow& row : settingRows)
         if (row.readBy.empty()) expected.push_back(pageRow(row));
-    EXPECT_THAT(rowsBelow("| without effect yet "), ElementsAreArray(expected));
+    EXPECT_THAT(pageRows("| without effect yet "), ElementsAreArray(expected));
 }
 
 TEST(SettingsPage, TellsTheValuesOfThePresets) {
@@ -81,7 +68,7 @@ TEST(SettingsPage, TellsTheValuesOfThePresets) {
                cell(number(look.backgroundOpacity)) + cell(number(look.cornerRadius)) +
                cell(number(look.borderThickness));
     };
-    EXPECT_THAT(rowsBelow("| preset "),
+    EXPECT_THAT(pageRows("| preset "),
                 ElementsAreArray({row(InputPreset::tarvix, {16, 0.9, 6, 2}),
                                   row(InputPreset::spotlight, TheInputMakeup::spotlightInputDefaults),
                                   row(InputPreset::alfred, TheInputMakeup::alfredInputDefaults),

@@ -2,6 +2,7 @@
 
 #include <xcb/xcb.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -40,6 +41,18 @@ std::optional<ScreenImage> captureScreen() { return capture(0, 0, 0, 0); }
 std::optional<std::uint32_t> capturePixel(int x, int y) {
     const auto image = capture(x, y, 1, 1);
     return image ? std::optional(image->pixels.front()) : std::nullopt;
+}
+
+std::optional<AxRect> difference(const ScreenImage& a, const ScreenImage& b, const AxRect& region) {
+    int left = a.width, top = a.height, right = -1, bottom = -1;
+    for (int y = static_cast<int>(region.minY()); y < static_cast<int>(region.maxY()); ++y)
+        for (int x = static_cast<int>(region.minX()); x < static_cast<int>(region.maxX()); ++x)
+            if (a.at(x, y) != b.at(x, y)) {
+                left = std::min(left, x), right = std::max(right, x);
+                top = std::min(top, y), bottom = std::max(bottom, y);
+            }
+    if (right < left) return std::nullopt;
+    return AxRect{{double(left), double(top)}, {double(right - left + 1), double(bottom - top + 1)}};
 }
 
 }  // namespace tarvix

@@ -6,6 +6,8 @@
 #include <optional>
 #include <vector>
 
+#include "base/Geometry.h"
+
 namespace tarvix {
 
 struct ScreenImage {
@@ -22,5 +24,9 @@ struct ScreenImage {
 std::optional<ScreenImage> captureScreen();
 // One pixel of it, in far less time.
 std::optional<std::uint32_t> capturePixel(int x, int y);
+
+// The least box around what differs between two pictures of the screen within a region; nothing where they are the
+// same. Root pixels.
+std::optional<AxRect> difference(const ScreenImage& a, const ScreenImage& b, const AxRect& region);
 
 }  // namespace tarvix
