@@ -104,6 +104,12 @@ inline constexpr std::string_view focusedUIElement = "AXFocusedUIElement";
 inline constexpr std::string_view fullScreen = "AXFullScreen";
 inline constexpr std::string_view selectedTextRange = "AXSelectedTextRange";
 inline constexpr std::string_view boundsForRange = "AXBoundsForRange";
+inline constexpr std::string_view children = "AXChildren";
+inline constexpr std::string_view windows = "AXWindows";
+inline constexpr std::string_view menuBar = "AXMenuBar";
+inline constexpr std::string_view extrasMenuBar = "AXExtrasMenuBar";
+inline constexpr std::string_view enhancedUserInterface = "AXEnhancedUserInterface";
+inline constexpr std::string_view manualAccessibility = "AXManualAccessibility";
 inline constexpr std::string_view press = "AXPress";
 }  // namespace ax
 
@@ -130,8 +136,10 @@ public:
     // The element of a process, whether or not it exists or shows a tree.
     virtual UIElement application(std::int32_t pid) = 0;
 
-    // The reads of one walk below `root`, which is a window. They may answer from what was fetched ahead when they were
-    // made, so they are for one walk on one thread: use them at once, and drop them with the walk's end.
+    // The reads of one walk below `root`, which is a window or an application. They may answer from what was fetched
+    // ahead, so they are for one walk on one thread: use them at once, and drop them with the walk's end. Below an
+    // application they know its ax::menuBar, ax::extrasMenuBar, ax::visibleChildren and ax::windows with the elements
+    // that these list, one level deep; a window of the list has a walk of its own.
     virtual std::unique_ptr<AccessibilityReads> readAhead(const UIElement& root) = 0;
 
     // An attribute that takes an argument, ax::boundsForRange.
@@ -140,6 +148,8 @@ public:
     // The innermost element at a point of the desktop; noValue where there is none.
     virtual AxResult<std::optional<UIElement>> elementAt(AxPoint point) = 0;
     virtual AxStatus perform(const UIElement& element, std::string_view action) = 0;
+    // Writes an attribute. Main thread as well, so it doesn't wait for what the application makes of it.
+    virtual AxStatus setAttribute(const UIElement& element, std::string_view name, const AxValue& value) = 0;
     // The process that an element belongs to.
     virtual std::optional<std::int32_t> pid(const UIElement& element) = 0;
     // The window server's number of a window element.

@@ -5,6 +5,7 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <vector>
 
 #include "base/Subscription.h"
 
@@ -29,6 +30,10 @@ public:
 
     // Runs `body` on a thread of the shared pool. Main thread. Destroying the loop waits for bodies that still run.
     virtual void inBackground(std::function<void()> body) = 0;
+
+    // Runs all bodies at the same time, on threads of the shared pool and this one, and returns when the last has
+    // ended. Any thread but the main one; bodies may call it too.
+    virtual void concurrently(std::vector<std::function<void()>> bodies) = 0;
 
     // Calls `fired` on the main thread after `interval`, once or for ever; dropping the token ends it. Main thread.
     enum class Repeat { once, forever };

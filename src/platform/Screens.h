@@ -8,7 +8,7 @@
 
 namespace tarvix {
 
-// Main thread.
+// Main thread, but for mainFrame(), which any thread may ask.
 class Screens {
 public:
     virtual ~Screens() = default;

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "base/Subscription.h"
 
@@ -18,7 +19,7 @@ struct RunningApplication {
     friend bool operator==(const RunningApplication&, const RunningApplication&) = default;
 };
 
-// Main thread, but for frontmostApplication() and ownBundleIdentifier(), which any thread may ask.
+// Main thread, but for the applications themselves and ownBundleIdentifier(), which any thread may ask.
 class Workspace {
 public:
     virtual ~Workspace() = default;
@@ -26,7 +27,12 @@ public:
     // The application whose window is the active one; panels of ours never are. Where no window is active the desktop
     // itself is the answer, if this desktop can say so.
     virtual std::optional<RunningApplication> frontmostApplication() = 0;
+    // The application whose menu bar is the one that shows, which need not be the frontmost one.
+    virtual std::optional<RunningApplication> menuBarOwningApplication() = 0;
     virtual std::optional<RunningApplication> runningApplication(std::int32_t pid) = 0;
+    // Those with a bundle identifier. "com.apple.dock" and "com.apple.notificationcenterui" are names of roles:
+    // whichever process is the dock, or shows the notifications, on this desktop.
+    virtual std::vector<RunningApplication> runningApplications(std::string_view bundleIdentifier) = 0;
     virtual std::string ownBundleIdentifier() = 0;
 
     // Whether a screen reader runs.

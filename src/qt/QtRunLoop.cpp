@@ -7,7 +7,10 @@
 #include <QSocketNotifier>
 #include <QTimer>
 #include <algorithm>
+#include <atomic>
 #include <cstdlib>
+#include <latch>
+#include <memory>
 
 namespace tarvix {
 
@@ -77,6 +80,28 @@ std::function<void()> QtRunLoop::takeBlock() {
 }
 
 void QtRunLoop::inBackground(std::function<void()> body) { pool_.start(std::move(body)); }
+
+// Whoever comes first takes the next body, the caller too, so that callers that fill the whole pool still come to an
+// end.
+void QtRunLoop::concurrently(std::vector<std::function<void()>> bodies) {
+    struct Work {
+        std::vector<std::function<void()>> bodies;
+        std::atomic<std::size_t> next = 0;
+        std::latch ended;
+        explicit Work(std::vector<std::function<void()>> all)
+            : bodies(std::move(all)), ended(static_cast<std::ptrdiff_t>(bodies.size())) {}
+        void takeOne() {
+            const std::size_t mine = next++;
+            if (mine >= bodies.size()) return;
+            bodies[mine]();
+            ended.count_down();
+        }
+    };
+    const auto work = std::make_shared<Work>(std::move(bodies));
+    for (std::size_t i = 1; i < work->bodies.size(); ++i) pool_.start([work] { work->takeOne(); });
+    while (work->next < work->bodies.size()) work->takeOne();
+    work->ended.wait();
+}
 
 Subscription QtRunLoop::timer(std::chrono::milliseconds interval, Repeat repeat, std::function<void()> fired) {
     auto* timer = new QTimer(&children_);

@@ -22,6 +22,7 @@ public:
 
     void onMain(std::function<void()> block) override;
     void inBackground(std::function<void()> body) override;
+    void concurrently(std::vector<std::function<void()>> bodies) override;
     [[nodiscard]] Subscription timer(std::chrono::milliseconds interval, Repeat repeat,
                                      std::function<void()> fired) override;
     [[nodiscard]] Subscription onReadable(int fileDescriptor, std::function<void()> ready) override;

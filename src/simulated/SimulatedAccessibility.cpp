@@ -362,6 +362,18 @@ AxStatus SimulatedAccessibility::perform(const UIElement& element, std::string_v
     return AxStatus::success;
 }
 
+AxStatus SimulatedAccessibility::setAttribute(const UIElement& element, std::string_view name, const AxValue& value) {
+    const std::lock_guard lock(mutex_);
+    const AxStatus status = strike("setAttribute", idOf(element));
+    if (status != AxStatus::success) return status;
+    const auto* truth = std::get_if<bool>(&value);
+    if (!truth) return AxStatus::attributeUnsupported;
+    const std::string what = idOf(element) < 0 ? "process " + std::to_string(applicationOfProcess0 - idOf(element))
+                                               : described(node(element).role, node(element).title);
+    journal_.note(Topic::accessibility, std::string(name) + " of " + what + (*truth ? " set" : " cleared"));
+    return AxStatus::success;
+}
+
 std::optional<std::int32_t> SimulatedAccessibility::pid(const UIElement& element) {
     const std::lock_guard lock(mutex_);
     if (faults_.strike("pid") || !trusted) return std::nullopt;

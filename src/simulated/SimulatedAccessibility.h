@@ -38,8 +38,8 @@ struct SimulatedElement {
 // "AXVisibleChildren" and "AXChildrenInNavigationOrder", and as a table or an outline also under "AXVisibleRows" and
 // "AXRows"; any other name is attributeUnsupported. set() and setStatus() go before all that.
 //
-// Can fail, with cannotComplete or an absence: attribute, attributes, parameterizedAttribute, elementAt, perform, pid,
-// windowNumber.
+// Can fail, with cannotComplete or an absence: attribute, attributes, parameterizedAttribute, elementAt, perform,
+// setAttribute, pid, windowNumber.
 class SimulatedAccessibility : public AccessibilityService {
 public:
     SimulatedAccessibility(Journal& journal, Faults& faults);
@@ -111,6 +111,8 @@ public:
     AxResult<std::optional<UIElement>> elementAt(AxPoint point) override;
     // Noted in the journal when the element has the action.
     AxStatus perform(const UIElement& element, std::string_view action) override;
+    // Noted in the journal; what an element answers afterwards is what the test has set.
+    AxStatus setAttribute(const UIElement& element, std::string_view name, const AxValue& value) override;
     std::optional<std::int32_t> pid(const UIElement& element) override;
     std::optional<std::uint32_t> windowNumber(const UIElement& window) override;
     bool isTrusted() override;

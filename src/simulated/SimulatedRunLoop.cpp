@@ -1,5 +1,6 @@
 #include "simulated/SimulatedRunLoop.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace tarvix {
@@ -10,6 +11,11 @@ void SimulatedRunLoop::onMain(std::function<void()> block) {
 }
 
 void SimulatedRunLoop::inBackground(std::function<void()> body) { bodies_.push_back(std::move(body)); }
+
+void SimulatedRunLoop::concurrently(std::vector<std::function<void()>> bodies) {
+    if (startsLastBodyFirst) std::reverse(bodies.begin(), bodies.end());
+    for (const auto& body : bodies) body();
+}
 
 Subscription SimulatedRunLoop::timer(std::chrono::milliseconds interval, Repeat repeat, std::function<void()> fired) {
     const std::uint64_t id = ++lastTimer_;

@@ -18,6 +18,7 @@ class SimulatedRunLoop : public RunLoop {
 public:
     void onMain(std::function<void()> block) override;
     void inBackground(std::function<void()> body) override;
+    void concurrently(std::vector<std::function<void()>> bodies) override;
     [[nodiscard]] Subscription timer(std::chrono::milliseconds interval, Repeat repeat,
                                      std::function<void()> fired) override;
 
@@ -31,6 +32,9 @@ public:
     void settle();
     // Moves the clock on; timers fire at their times, the main queue runs after each.
     void turnClock(std::chrono::milliseconds by);
+
+    // Of bodies that run at the same time the last one starts first.
+    bool startsLastBodyFirst = false;
 
     std::chrono::milliseconds now() const { return now_; }
     std::size_t waitingBlocks() const;

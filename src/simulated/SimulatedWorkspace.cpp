@@ -14,6 +14,26 @@ std::optional<RunningApplication> SimulatedWorkspace::runningApplication(std::in
     return find(pid);
 }
 
+std::optional<RunningApplication> SimulatedWorkspace::menuBarOwningApplication() {
+    if (faults_.strike("menuBarOwningApplication")) return std::nullopt;
+    const std::lock_guard lock(mutex_);
+    return find(menuBarOwner_ ? *menuBarOwner_ : frontmost_);
+}
+
+std::vector<RunningApplication> SimulatedWorkspace::runningApplications(std::string_view bundleIdentifier) {
+    if (faults_.strike("runningApplications")) return {};
+    const std::lock_guard lock(mutex_);
+    std::vector<RunningApplication> found;
+    for (const auto& [pid, application] : running_)
+        if (application.bundleIdentifier == bundleIdentifier) found.push_back(application);
+    return found;
+}
+
+void SimulatedWorkspace::setMenuBarOwner(std::optional<std::int32_t> pid) {
+    const std::lock_guard lock(mutex_);
+    menuBarOwner_ = pid;
+}
+
 void SimulatedWorkspace::announce(std::string_view text, int priority) {
     journal_.note(Topic::announcement, "announced '" + std::string(text) + "' at " + std::to_string(priority));
 }

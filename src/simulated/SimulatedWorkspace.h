@@ -3,6 +3,7 @@
 
 #include <map>
 #include <mutex>
+#include <vector>
 
 #include "base/Listeners.h"
 #include "platform/Workspace.h"
@@ -11,13 +12,16 @@
 
 namespace tarvix {
 
-// Can fail: frontmostApplication, runningApplication.
+// Can fail: frontmostApplication, menuBarOwningApplication, runningApplication, runningApplications.
 class SimulatedWorkspace : public Workspace {
 public:
     SimulatedWorkspace(Journal& journal, Faults& faults) : journal_(journal), faults_(faults) {}
 
     std::optional<RunningApplication> frontmostApplication() override;
+    // The one that was set, else the frontmost one.
+    std::optional<RunningApplication> menuBarOwningApplication() override;
     std::optional<RunningApplication> runningApplication(std::int32_t pid) override;
+    std::vector<RunningApplication> runningApplications(std::string_view bundleIdentifier) override;
     std::string ownBundleIdentifier() override { return "tarvix"; }
     bool isVoiceOverEnabled() override { return voiceOver; }
     void announce(std::string_view text, int priority) override;
@@ -31,6 +35,9 @@ public:
     // Makes another application frontmost and tells the observers; nothing when none is.
     void activate(std::optional<std::int32_t> pid);
 
+    // Absent: nobody owns the menu bar.
+    void setMenuBarOwner(std::optional<std::int32_t> pid);
+
     bool voiceOver = false;
 
 private:
@@ -41,6 +48,7 @@ private:
     mutable std::mutex mutex_;  // guards running_ and frontmost_, which any thread may ask for
     std::map<std::int32_t, RunningApplication> running_;
     std::optional<std::int32_t> frontmost_;
+    std::optional<std::optional<std::int32_t>> menuBarOwner_;
     Listeners<const RunningApplication&> activated_;
 };
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "linux/atspi/AtspiElement.h"
+#include "linux/atspi/MenuBar.h"
 #include "linux/atspi/Replies.h"
 #include "linux/atspi/TreeReads.h"
 
@@ -192,7 +193,29 @@ AtspiService::FoundInTree AtspiService::findInTree(const AtspiElement& of) {
     return {AxStatus::invalidElement, nullptr, std::nullopt};
 }
 
+std::vector<UIElement> AtspiService::windowsOf(std::int32_t pid) {
+    std::vector<UIElement> found;
+    for (const X11Window& window : windows_.onScreen())
+        if (window.pid == pid) found.push_back(windowElement(window));
+    return found;
+}
+
+std::optional<Surface> AtspiService::surfaceOf(std::int32_t pid, std::string_view attribute) {
+    if (attribute != ax::menuBar) return std::nullopt;
+    const std::optional<X11Window> window = windowOf(pid);
+    FetchOptions options;
+    options.screen = &windows_;
+    std::optional<WindowTree> tree = window ? fetchWindow(applications_, *window, options) : std::nullopt;
+    const std::optional<int> menuBar = tree ? menuBarIn(tree->nodes) : std::nullopt;
+    if (!menuBar) return std::nullopt;
+    return Surface{std::make_shared<TreeReads>(std::move(*tree), *window), *menuBar};
+}
+
 std::unique_ptr<AccessibilityReads> AtspiService::readAhead(const UIElement& root) {
+    if (const AtspiElement& of = identityOf(root); of.kind == AtspiElement::Kind::application)
+        return std::make_unique<ApplicationReads>(ApplicationReads::Sources{
+            [this, pid = of.pid](std::string_view attribute) { return surfaceOf(pid, attribute); },
+            [this, pid = of.pid] { return windowsOf(pid); }});
     FetchOptions options;
     options.screen = &windows_;
     return readAhead(root, options, nullptr);
@@ -280,6 +303,16 @@ AxStatus AtspiService::perform(const UIElement& element, std::string_view action
     pipeline.run();
     if (pipeline.timedOut() || pipeline.lost()) lease->spoil();
     return status;
+}
+
+// Both switches mean the same here: that the application makes its tree, which it is asked for on the waker's thread.
+AxStatus AtspiService::setAttribute(const UIElement& element, std::string_view name, const AxValue& value) {
+    const AtspiElement& of = identityOf(element);
+    const auto* on = std::get_if<bool>(&value);
+    const bool isSwitch = name == ax::enhancedUserInterface || name == ax::manualAccessibility;
+    if (of.kind != AtspiElement::Kind::application || !isSwitch || !on) return AxStatus::attributeUnsupported;
+    if (*on) waker_.wake(of.pid);
+    return AxStatus::success;
 }
 
 std::optional<std::int32_t> AtspiService::pid(const UIElement& element) {

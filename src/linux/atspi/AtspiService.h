@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "base/Outcome.h"
+#include "linux/atspi/ApplicationReads.h"
 #include "linux/atspi/Applications.h"
 #include "linux/atspi/Waker.h"
 #include "linux/atspi/WindowFetch.h"
@@ -41,6 +42,7 @@ public:
     AxResult<std::optional<UIElement>> elementAt(AxPoint point) override;
     // Waits 50 milliseconds for the application's word; what it does later it does all the same.
     AxStatus perform(const UIElement& element, std::string_view action) override;
+    AxStatus setAttribute(const UIElement& element, std::string_view name, const AxValue& value) override;
     std::optional<std::int32_t> pid(const UIElement& element) override;
     std::optional<std::uint32_t> windowNumber(const UIElement& window) override;
     bool isTrusted() override;
@@ -67,6 +69,8 @@ private:
     bool contact(std::int32_t pid);
     AxResult<AxValue> applicationAttribute(std::int32_t pid, std::string_view name);
     AxResult<AxValue> systemAttribute(std::string_view name);
+    std::optional<atspi::Surface> surfaceOf(std::int32_t pid, std::string_view attribute);
+    std::vector<UIElement> windowsOf(std::int32_t pid);
     std::optional<X11Window> windowOf(std::int32_t pid);
     UIElement windowElement(const X11Window& window) const;
 

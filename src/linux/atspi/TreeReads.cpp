@@ -15,7 +15,9 @@ std::uint64_t nextNumber() {
 
 bool isRows(std::string_view name) { return name == ax::visibleRows || name == ax::rows; }
 
-bool isChildren(std::string_view name) { return name == ax::visibleChildren || name == ax::childrenInNavigationOrder; }
+bool isChildren(std::string_view name) {
+    return name == ax::visibleChildren || name == ax::childrenInNavigationOrder || name == ax::children;
+}
 
 bool hasRows(const Node& node) {
     const std::string_view role = axRole(node);

@@ -24,6 +24,7 @@ public:
     // The handle of a node; the window's own for index 0.
     UIElement elementOf(int node) const;
     const NodeTree& nodes() const { return tree_.nodes; }
+    bool holds(const UIElement& element) const { return nodeOf(element) != nullptr; }
 
 private:
     const Node* nodeOf(const UIElement& element) const;

@@ -18,6 +18,43 @@ double overlap(AxRect a, AxRect b) {
 
 bool holds(AxRect r, AxPoint p) { return p.x >= r.minX() && p.x < r.maxX() && p.y >= r.minY() && p.y < r.maxY(); }
 
+// The window that has the keyboard where no window manager says which one is active.
+std::optional<AxRect> activeWindow(X11Connection& x) {
+    xcb_window_t window = XCB_WINDOW_NONE;
+    if (hasWindowManager(x)) {
+        const auto active = x.items(x.root(), "_NET_ACTIVE_WINDOW");
+        if (!active.empty()) window = active.front();
+    } else if (const auto focus = x.reply<xcb_get_input_focus_reply>(xcb_get_input_focus(x.get()))) {
+        const bool isWindow = focus->focus > XCB_INPUT_FOCUS_POINTER_ROOT && focus->focus != x.root();
+        if (isWindow) window = childrenOfRoot(x, {focus->focus}).front();
+    }
+    if (window == XCB_WINDOW_NONE) return std::nullopt;
+    const auto geometryAsked = xcb_get_geometry(x.get(), window);
+    const auto originAsked = xcb_translate_coordinates(x.get(), window, x.root(), 0, 0);
+    const auto geometry = x.reply<xcb_get_geometry_reply>(geometryAsked);
+    const auto origin = x.reply<xcb_translate_coordinates_reply>(originAsked);
+    if (!geometry || !origin) return std::nullopt;
+    return AxRect{{double(origin->dst_x), double(origin->dst_y)}, {double(geometry->width), double(geometry->height)}};
+}
+
+AxPoint pointer(X11Connection& x) {
+    const auto answer = x.reply<xcb_query_pointer_reply>(xcb_query_pointer(x.get(), x.root()));
+    return answer ? AxPoint{double(answer->root_x), double(answer->root_y)} : AxPoint{};
+}
+
+// The monitor with most of the active window, else with the pointer; absent without any monitor.
+std::optional<PanelRect> mainOf(const std::vector<AxRect>& all, X11Connection& x) {
+    if (all.empty()) return std::nullopt;
+    auto main = all.end();
+    if (const auto window = activeWindow(x)) {
+        main = std::ranges::max_element(all, {}, [&](const AxRect& m) { return overlap(m, *window); });
+        if (overlap(*main, *window) == 0) main = all.end();
+    }
+    if (main == all.end()) main = std::ranges::find_if(all, [p = pointer(x)](const AxRect& m) { return holds(m, p); });
+    if (main == all.end()) main = all.begin();
+    return flip(*main, all.front().height());
+}
+
 }  // namespace
 
 Outcome<std::unique_ptr<X11Screens>> X11Screens::open(X11Connection& connection) {
@@ -58,14 +95,14 @@ bool X11Screens::tellsOfMonitors(const xcb_generic_event_t& event) const {
 // An event that waits to be handed out has made the list a thing of the past already.
 std::vector<AxRect> X11Screens::monitors() {
     if (x_.hasArrived([this](const xcb_generic_event_t& event) { return tellsOfMonitors(event); })) monitors_.clear();
-    if (monitors_.empty()) monitors_ = readMonitors();
+    if (monitors_.empty()) monitors_ = readMonitors(x_);
     return monitors_;
 }
 
-std::vector<AxRect> X11Screens::readMonitors() {
+std::vector<AxRect> X11Screens::readMonitors(X11Connection& x) const {
     std::vector<AxRect> found;
     if (hasMonitors_) {
-        const auto answer = x_.reply<xcb_randr_get_monitors_reply>(xcb_randr_get_monitors(x_.get(), x_.root(), 1));
+        const auto answer = x.reply<xcb_randr_get_monitors_reply>(xcb_randr_get_monitors(x.get(), x.root(), 1));
         if (answer)
             for (auto m = xcb_randr_get_monitors_monitors_iterator(answer.get()); m.rem > 0;
                  xcb_randr_monitor_info_next(&m)) {
@@ -75,7 +112,7 @@ std::vector<AxRect> X11Screens::readMonitors() {
             }
     }
     if (!found.empty()) return found;
-    const auto root = x_.reply<xcb_get_geometry_reply>(xcb_get_geometry(x_.get(), x_.root()));
+    const auto root = x.reply<xcb_get_geometry_reply>(xcb_get_geometry(x.get(), x.root()));
     if (root) found.push_back({{0, 0}, {double(root->width), double(root->height)}});
     return found;
 }
@@ -89,45 +126,22 @@ std::vector<PanelRect> X11Screens::frames() {
 }
 
 std::optional<PanelRect> X11Screens::mainFrame() {
-    const auto all = monitors();
-    if (all.empty()) return std::nullopt;
-    auto main = all.end();
-    if (const auto window = activeWindow()) {
-        main = std::ranges::max_element(all, {}, [&](const AxRect& m) { return overlap(m, *window); });
-        if (overlap(*main, *window) == 0) main = all.end();
-    }
-    if (main == all.end()) main = std::ranges::find_if(all, [p = pointer()](const AxRect& m) { return holds(m, p); });
-    if (main == all.end()) main = all.begin();
-    return flip(*main, all.front().height());
+    return std::this_thread::get_id() == mainThread_ ? mainOf(monitors(), x_) : mainFrameElsewhere();
 }
 
-// The window that has the keyboard where no window manager says which one is active.
-std::optional<AxRect> X11Screens::activeWindow() {
-    xcb_window_t window = XCB_WINDOW_NONE;
-    if (hasWindowManager(x_)) {
-        const auto active = x_.items(x_.root(), "_NET_ACTIVE_WINDOW");
-        if (!active.empty()) window = active.front();
-    } else if (const auto focus = x_.reply<xcb_get_input_focus_reply>(xcb_get_input_focus(x_.get()))) {
-        const bool isWindow = focus->focus > XCB_INPUT_FOCUS_POINTER_ROOT && focus->focus != x_.root();
-        if (isWindow) window = childrenOfRoot(x_, {focus->focus}).front();
+std::optional<PanelRect> X11Screens::mainFrameElsewhere() {
+    const std::lock_guard lock(mutex_);
+    if (!elsewhere_) {
+        auto opened = X11Connection::open();
+        if (!opened) return std::nullopt;
+        elsewhere_ = std::move(opened.value());
     }
-    if (window == XCB_WINDOW_NONE) return std::nullopt;
-    const auto geometryAsked = xcb_get_geometry(x_.get(), window);
-    const auto originAsked = xcb_translate_coordinates(x_.get(), window, x_.root(), 0, 0);
-    const auto geometry = x_.reply<xcb_get_geometry_reply>(geometryAsked);
-    const auto origin = x_.reply<xcb_translate_coordinates_reply>(originAsked);
-    if (!geometry || !origin) return std::nullopt;
-    return AxRect{{double(origin->dst_x), double(origin->dst_y)}, {double(geometry->width), double(geometry->height)}};
-}
-
-AxPoint X11Screens::pointer() {
-    const auto answer = x_.reply<xcb_query_pointer_reply>(xcb_query_pointer(x_.get(), x_.root()));
-    return answer ? AxPoint{double(answer->root_x), double(answer->root_y)} : AxPoint{};
+    return mainOf(readMonitors(*elsewhere_), *elsewhere_);
 }
 
 PanelPoint X11Screens::mouseLocation() {
     const auto all = monitors();
-    return flip(pointer(), all.empty() ? 0 : all.front().height());
+    return flip(pointer(x_), all.empty() ? 0 : all.front().height());
 }
 
 }  // namespace tarvix

@@ -3,7 +3,9 @@
 
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <optional>
+#include <thread>
 #include <vector>
 
 #include "base/Outcome.h"
@@ -29,15 +31,17 @@ private:
     X11Screens(X11Connection& connection, bool hasMonitors);
     // The monitors in root coordinates, the primary one first; the whole root window where the server knows of none.
     std::vector<AxRect> monitors();
-    std::vector<AxRect> readMonitors();
+    std::vector<AxRect> readMonitors(X11Connection& x) const;
     bool tellsOfMonitors(const xcb_generic_event_t& event) const;
-    std::optional<AxRect> activeWindow();
-    AxPoint pointer();
+    std::optional<PanelRect> mainFrameElsewhere();
 
     X11Connection& x_;
     bool hasMonitors_;
     std::uint8_t firstEvent_ = 0;   // of the extension that tells of monitors
     std::vector<AxRect> monitors_;  // empty until they are asked for
+    std::thread::id mainThread_ = std::this_thread::get_id();
+    std::mutex mutex_;                          // guards the next
+    std::unique_ptr<X11Connection> elsewhere_;  // what other threads ask on; none until one does
     Subscription changes_;
 };
 

@@ -68,6 +68,21 @@ std::optional<RunningApplication> X11Workspace::runningApplication(std::int32_t 
     return describe(pid, own == windows.end() ? nullptr : &*own);
 }
 
+std::vector<RunningApplication> X11Workspace::runningApplications(std::string_view bundleIdentifier) {
+    std::vector<RunningApplication> found;
+    const auto add = [&](std::optional<RunningApplication> application) {
+        if (application && std::ranges::count(found, *application) == 0) found.push_back(std::move(*application));
+    };
+    if (const auto role = roles_.find(bundleIdentifier); role != roles_.end()) {
+        for (const std::int32_t pid : role->second()) add(runningApplication(pid));
+        return found;
+    }
+    for (const X11Window& window : windows_.onScreen())
+        if (auto application = describe(window.pid, &window); application.bundleIdentifier == bundleIdentifier)
+            add(std::move(application));
+    return found;
+}
+
 std::optional<DesktopEntry> X11Workspace::entryOf(std::int32_t pid, const X11Window* window) {
     const auto known = [&](const std::string& id) { return id.empty() ? std::nullopt : entries_.withId(id); };
     if (const auto id = flatpakId(pid)) {

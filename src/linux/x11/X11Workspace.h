@@ -3,11 +3,13 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "base/Listeners.h"
 #include "base/Outcome.h"
@@ -31,10 +33,19 @@ public:
     // Connection and windows outlive the workspace.
     static Outcome<std::unique_ptr<X11Workspace>> open(X11Connection& connection, X11Windows& windows);
 
+    // Which processes play a role of the desktop that has a bundle identifier of its own. Any thread calls `processes`;
+    // to be set before anybody asks.
+    void setRole(std::string bundleIdentifier, std::function<std::vector<std::int32_t>()> processes) {
+        roles_[std::move(bundleIdentifier)] = std::move(processes);
+    }
+
     void setScreenReader(ScreenReader screenReader) { screenReader_ = std::move(screenReader); }
 
     std::optional<RunningApplication> frontmostApplication() override;
+    // Menu bars are in their windows here.
+    std::optional<RunningApplication> menuBarOwningApplication() override { return frontmostApplication(); }
     std::optional<RunningApplication> runningApplication(std::int32_t pid) override;
+    std::vector<RunningApplication> runningApplications(std::string_view bundleIdentifier) override;
     std::string ownBundleIdentifier() override;
     bool isVoiceOverEnabled() override;
     void announce(std::string_view text, int priority) override;
@@ -61,6 +72,7 @@ private:
     X11Connection& x_;
     X11Windows& windows_;
     DesktopEntries entries_;
+    std::map<std::string, std::function<std::vector<std::int32_t>()>, std::less<>> roles_;
     ScreenReader screenReader_;
     std::mutex mutex_;  // guards the next two
     Names describedBy_;
