@@ -12,6 +12,7 @@ constexpr Milliseconds kBusLimit{300};  // for the bus itself and the registry, 
 constexpr std::chrono::seconds kWary{5};
 constexpr Milliseconds kWaryLimit{150};
 constexpr std::size_t kMostIdle = 2;
+constexpr int kMostIncomplete = 3;
 
 Milliseconds left(Clock::time_point deadline) {
     return std::max(Milliseconds(1), std::chrono::duration_cast<Milliseconds>(deadline - Clock::now()));
@@ -228,12 +229,15 @@ void Applications::keepPaddings(const std::string& bus, Paddings paddings) {
 
 bool Applications::wasContacted(const std::string& bus) {
     const std::lock_guard lock(mutex_);
-    return known_[bus].contacted;
+    const auto found = known_.find(bus);
+    return found != known_.end() && found->second.contacted;
 }
 
-void Applications::noteContact(const std::string& bus) {
+void Applications::noteContact(const std::string& bus, Tree tree) {
     const std::lock_guard lock(mutex_);
-    known_[bus].contacted = true;
+    Known& known = known_[bus];
+    if (tree == Tree::grows && ++known.incomplete < kMostIncomplete) return;
+    known.contacted = true;
 }
 
 void Applications::noteTimeout(const std::string& bus) {

@@ -73,9 +73,10 @@ public:
     void keepPaddings(const std::string& bus, Paddings paddings);
 
     // Whether a tree of this application has been read before. At the first contact, what a toolkit makes on demand
-    // isn't there yet.
+    // isn't there yet; one that was still growing then is waited for anew, but not for ever.
+    enum class Tree { grows, isComplete };
     bool wasContacted(const std::string& bus);
-    void noteContact(const std::string& bus);
+    void noteContact(const std::string& bus, Tree tree);
 
     // An application that has let a whole deadline pass is given little time for its first answer for a while.
     void noteTimeout(const std::string& bus);
@@ -90,6 +91,7 @@ private:
         std::map<Role, std::string> roleWords;
         Paddings paddings;
         bool contacted = false;
+        int incomplete = 0;  // contacts so far whose tree was still growing at the end
         std::optional<Clock::time_point> timeout;
         std::vector<Bus> idle;
     };

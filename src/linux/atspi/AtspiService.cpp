@@ -109,14 +109,18 @@ AxResult<AxValue> AtspiService::systemAttribute(std::string_view name) {
         return {AxStatus::success, application(active ? active->pid : 0)};
     }
     if (name != ax::focusedUIElement) return {AxStatus::attributeUnsupported, {}};
-    if (!active) return {AxStatus::noValue, {}};
+    return focusedIn(active);
+}
+
+AxResult<AxValue> AtspiService::focusedIn(const std::optional<X11Window>& window) {
+    if (!window) return {AxStatus::noValue, {}};
     FetchOptions options;
     options.limit = kSingleRead;
     options.waitsForTree = false;
     options.screen = &windows_;
-    std::optional<WindowTree> tree = fetchWindow(applications_, *active, options);
+    std::optional<WindowTree> tree = fetchWindow(applications_, *window, options);
     if (!tree) return {AxStatus::cannotComplete, {}};
-    const TreeReads reads(std::move(*tree), *active);
+    const TreeReads reads(std::move(*tree), *window);
     // The deepest one wins: containers of the focused object may call themselves focused too.
     for (std::size_t i = reads.nodes().size(); i-- > 1;)
         if (reads.nodes()[i].shows && !reads.nodes()[i].synthetic && reads.nodes()[i].has(State::focused))
@@ -125,6 +129,8 @@ AxResult<AxValue> AtspiService::systemAttribute(std::string_view name) {
 }
 
 AxResult<AxValue> AtspiService::applicationAttribute(std::int32_t pid, std::string_view name) {
+    if (name == ax::enhancedUserInterface) return {AxStatus::success, isAwake(pid)};
+    if (name == ax::focusedUIElement) return focusedIn(windowOf(pid));
     if (name != ax::focusedWindow && name != ax::mainWindow) return {AxStatus::attributeUnsupported, {}};
     const std::optional<X11Window> window = windowOf(pid);
     if (!window) return {AxStatus::noValue, {}};
@@ -344,15 +350,22 @@ void AtspiService::askForTrust() {
                         1);
 }
 
-// False while the process isn't on the accessibility bus yet.
+bool AtspiService::isAwake(std::int32_t pid) {
+    const std::lock_guard lock(awakeMutex_);
+    const auto bus = awake_.find(pid);
+    return bus != awake_.end() && applications_.wasContacted(bus->second);
+}
+
+// False while the process isn't on the accessibility bus yet, or its tree isn't complete.
 bool AtspiService::contact(std::int32_t pid) {
-    const std::vector<Application> applications = applications_.ofProcess(pid, Clock::now() + kSingleRead);
-    if (applications.empty()) return false;
-    if (std::all_of(applications.begin(), applications.end(),
-                    [this](const Application& each) { return applications_.wasContacted(each.bus); }))
-        return true;
+    listening_.keep();
+    if (isAwake(pid)) return true;
     const std::optional<X11Window> window = windowOf(pid);
-    return !window || fetchWindow(applications_, *window, {});
+    const std::optional<WindowTree> tree = window ? fetchWindow(applications_, *window, {}) : std::nullopt;
+    if (!tree || !applications_.wasContacted(tree->application.bus)) return false;
+    const std::lock_guard lock(awakeMutex_);
+    awake_[pid] = tree->application.bus;
+    return true;
 }
 
 }  // namespace tarvix

@@ -1,12 +1,16 @@
 // The accessibility service of the Linux desktop: AT-SPI 2 over D-Bus, with the X server's word on windows.
 #pragma once
 
+#include <map>
 #include <memory>
+#include <mutex>
 #include <optional>
+#include <string>
 
 #include "base/Outcome.h"
 #include "linux/atspi/ApplicationReads.h"
 #include "linux/atspi/Applications.h"
+#include "linux/atspi/Listening.h"
 #include "linux/atspi/Waker.h"
 #include "linux/atspi/WindowFetch.h"
 #include "linux/x11/X11Windows.h"
@@ -49,7 +53,8 @@ public:
     void askForTrust() override;
 
     // Has an application that makes its tree on demand make it now, so that it is there at the first search; to be
-    // called when it has become active. Returns at once.
+    // called when it has become active. Returns at once. Writing true to ax::enhancedUserInterface or
+    // ax::manualAccessibility of an application is the same; the former reads true once the tree is there.
     void wake(std::int32_t pid) { waker_.wake(pid); }
 
     // The same reading with other options than a search's, for the benchmark.
@@ -67,8 +72,10 @@ private:
     };
     FoundInTree findInTree(const atspi::AtspiElement& of);
     bool contact(std::int32_t pid);
+    bool isAwake(std::int32_t pid);
     AxResult<AxValue> applicationAttribute(std::int32_t pid, std::string_view name);
     AxResult<AxValue> systemAttribute(std::string_view name);
+    AxResult<AxValue> focusedIn(const std::optional<X11Window>& window);
     std::optional<atspi::Surface> surfaceOf(std::int32_t pid, std::string_view attribute);
     std::vector<UIElement> windowsOf(std::int32_t pid);
     std::optional<X11Window> windowOf(std::int32_t pid);
@@ -76,6 +83,9 @@ private:
 
     X11Windows& windows_;
     atspi::Applications applications_;
+    std::mutex awakeMutex_;                      // guards the next one
+    std::map<std::int32_t, std::string> awake_;  // the name on the bus under which a process' tree was complete
+    atspi::Listening listening_;                 // of the waker's thread
     atspi::Waker waker_{[this](std::int32_t pid) { return contact(pid); }};  // last: its thread uses all above
 };
 

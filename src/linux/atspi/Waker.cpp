@@ -1,19 +1,11 @@
 #include "linux/atspi/Waker.h"
 
-#include <chrono>
+#include <algorithm>
 #include <utility>
 
 namespace tarvix::atspi {
 
-namespace {
-
-// An application joins the accessibility bus some time after its window has become active.
-constexpr int kTries = 12;
-constexpr std::chrono::milliseconds kBetweenTries{250};
-
-}  // namespace
-
-Waker::Waker(std::function<bool(std::int32_t)> wake) : wake_(std::move(wake)), thread_([this] { work(); }) {}
+Waker::Waker(Wake wake, Patience patience) : wake_(std::move(wake)), patience_(patience), thread_([this] { work(); }) {}
 
 Waker::~Waker() {
     {
@@ -27,24 +19,39 @@ Waker::~Waker() {
 void Waker::wake(std::int32_t pid) {
     {
         const std::lock_guard lock(mutex_);
-        asked_ = pid;
+        const auto known = std::ranges::find(asked_, pid, &Asked::pid);
+        if (known == asked_.end()) {
+            asked_.push_back({pid, patience_.tries, Clock::now()});
+        } else {
+            known->tries = patience_.tries;
+        }
     }
     changed_.notify_all();
 }
 
 void Waker::work() {
     std::unique_lock lock(mutex_);
-    for (;;) {
-        changed_.wait(lock, [this] { return ends_ || asked_; });
-        if (ends_) return;
-        const std::int32_t pid = *std::exchange(asked_, std::nullopt);
-        for (int tries = 0; tries < kTries && !ends_ && !asked_; ++tries) {
-            lock.unlock();
-            const bool done = wake_(pid);
-            lock.lock();
-            if (done || changed_.wait_for(lock, kBetweenTries, [this] { return ends_ || asked_; })) break;
+    while (!ends_) {
+        if (asked_.empty()) {
+            changed_.wait(lock);
+            continue;
         }
+        const Asked first = *std::ranges::min_element(asked_, {}, &Asked::next);
+        if (first.next > Clock::now()) {
+            changed_.wait_until(lock, first.next);
+            continue;
+        }
+        lock.unlock();
+        const bool done = wake_(first.pid);
+        lock.lock();
+        noteTry(first.pid, done);
     }
+}
+
+void Waker::noteTry(std::int32_t pid, bool done) {
+    const auto tried = std::ranges::find(asked_, pid, &Asked::pid);
+    tried->next = Clock::now() + patience_.between;
+    if (done || --tried->tries <= 0) asked_.erase(tried);
 }
 
 }  // namespace tarvix::atspi

@@ -126,7 +126,9 @@ public:
         const bool isIncomplete = onDemand && !applications_.wasContacted(application_.bus);
         const bool waits = isIncomplete && options_.waitsForTree;
         std::optional<WindowTree> tree = waits ? fetchFirst(*lease) : fetchOn(*lease, deadline);
-        if (tree && (waits || !isIncomplete)) applications_.noteContact(application_.bus);
+        if (tree && (waits || !isIncomplete))
+            applications_.noteContact(application_.bus,
+                                      grows_ ? Applications::Tree::grows : Applications::Tree::isComplete);
         return tree;
     }
 
@@ -192,7 +194,8 @@ private:
             // The time may be up in the middle of a read; the one before it has more, then.
             if (next && (!last || !isCutOff_ || count > showing(last->nodes))) last = std::move(next);
             times = count == seen ? times + 1 : 1;
-            if ((times >= kSteady && count > kBareFrame) || Clock::now() + kBetweenReads >= deadline) return last;
+            grows_ = times < kSteady || count <= kBareFrame;
+            if (!grows_ || Clock::now() + kBetweenReads >= deadline) return last;
             seen = count;
             std::this_thread::sleep_for(kBetweenReads);
         }
@@ -204,6 +207,7 @@ private:
     const FetchOptions& options_;
     std::optional<FrameFound> lastFrame_;
     bool isCutOff_ = false;
+    bool grows_ = false;  // at the end of a first contact
 };
 
 }  // namespace
