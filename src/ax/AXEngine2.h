@@ -3,23 +3,25 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <vector>
 
 #include "ax/AccessibilityElement.h"
 #include "base/Geometry.h"
 #include "base/OrderedSet.h"
 #include "platform/Accessibility.h"
+#include "platform/Platform.h"
+#include "platform/WindowServer.h"
 
 namespace tarvix {
-
-class Workspace;
 
 // A value without state: every read goes to the application anew. Any thread; each read blocks until its application
 // has answered or the service has given up on it. What can't be read makes a result absent or smaller and is not
 // reported.
 class AXEngine2 {
 public:
-    AXEngine2(AccessibilityService& service, Workspace& workspace) : service_(&service), workspace_(&workspace) {}
+    explicit AXEngine2(const Platform& platform)
+        : service_(&platform.accessibility), workspace_(&platform.workspace), screens_(&platform.screens) {}
 
     // One element. Absent only when the read fails as a whole; a missing attribute leaves its field absent or zero. A
     // text area in a scroll area is where the scroll area is, since its own frame is that of the whole text.
@@ -39,7 +41,23 @@ public:
     // anything about the window can't be read.
     OrderedSet<AccessibilityElement> frontmostWindowElements(std::int32_t processIdentifier) const;
 
-    // The same below an element; what lies outside `frame` is left out with all that is in it.
+    // What can be searched on the desktop besides that window. Each is a read of its own and may run beside the others.
+
+    // The menus in the menu bar of the application that owns it: the bar's own items, whether or not they have a text.
+    OrderedSet<AccessibilityElement> appMenuElements() const;
+
+    // The status items, from left to right, each with its application's name in front of its role description. What
+    // stands at the main screen's left edge or left of it is none. `windowList` says who has status items.
+    OrderedSet<AccessibilityElement> statusItemElements(std::span<const WindowInfo> windowList) const;
+
+    // What is in the notifications on the screen. Empty as soon as one of them can't say where it is.
+    OrderedSet<AccessibilityElement> notificationElements() const;
+
+    // The dock's items.
+    OrderedSet<AccessibilityElement> dockElements() const;
+
+    // The same as for the focused window below any element; what lies outside `frame` is left out with all that is in
+    // it.
     static OrderedSet<AccessibilityElement> collectElements(AccessibilityReads& reads, const UIElement& element,
                                                             AxRect frame);
 
@@ -53,6 +71,7 @@ private:
 
     AccessibilityService* service_;
     Workspace* workspace_;
+    Screens* screens_;
 };
 
 }  // namespace tarvix

@@ -59,7 +59,7 @@ DisplayEngine::DisplayEngine(const Platform& platform)
     : accessibility_(platform.accessibility),
       workspace_(platform.workspace),
       screens_(platform.screens),
-      axEngine_(platform.accessibility, platform.workspace) {}
+      axEngine_(platform) {}
 
 std::vector<Screen> DisplayEngine::screens() {
     std::vector<Screen> screens;

@@ -7,7 +7,7 @@
 namespace tarvix {
 
 std::optional<FocusedApplication> focusedApplication(const Platform& platform) {
-    const auto pid = AXEngine2(platform.accessibility, platform.workspace).focusedApplicationProcessIdentifier();
+    const auto pid = AXEngine2(platform).focusedApplicationProcessIdentifier();
     if (!pid) return std::nullopt;
     const auto application = platform.workspace.runningApplication(*pid);
     if (!application || !application->bundleIdentifier) return std::nullopt;

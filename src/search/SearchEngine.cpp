@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <array>
-#include <vector>
+#include <cstddef>
 
-#include "platform/Accessibility.h"
+#include "platform/RunLoop.h"
 #include "platform/UserDefaults.h"
 #include "platform/WindowServer.h"
 #include "platform/Workspace.h"
@@ -22,6 +22,10 @@ constexpr auto browserChromeIdentifiers =
                                      "UnifiedTabBarItemView?isSelected=true", "UnifedTabBarButton._titleTextField",
                                      "TabBarTab?isPinned=false", "TabBarTab?isPinned=true", "CloseTabBarItemButton"});
 
+// What tells that the menu bar and the dock are on the screen.
+constexpr int kStatusItemLayer = 25;
+constexpr std::string_view kDockOwner = "Dock";
+
 template <std::size_t N>
 bool isOneOf(const std::array<std::string_view, N>& names, const std::optional<std::string>& text) {
     return std::find(names.begin(), names.end(), text.value_or("")) != names.end();
@@ -32,15 +36,47 @@ OrderedSet<AccessibilityElement> alone(const AccessibilityElement& element) { re
 }  // namespace
 
 SearchEngine::SearchEngine(const Platform& platform)
-    : searchIncludesTrafficLightButtons_(platform.userDefaults, {"searchIncludesTrafficLightButtons", false}),
+    : searchIncludesAppMenus_(platform.userDefaults, {"searchIncludesAppMenus", true}),
+      searchIncludesStatusItems_(platform.userDefaults, {"searchIncludesStatusItems", true}),
+      searchIncludesNotifications_(platform.userDefaults, {"searchIncludesNotifications", true}),
+      searchIncludesDock_(platform.userDefaults, {"searchIncludesDock", false}),
+      searchIncludesTrafficLightButtons_(platform.userDefaults, {"searchIncludesTrafficLightButtons", false}),
       fuzzyMatchingFlavor_(platform.userDefaults, {"fuzzyMatchingFlavor", FuzzyMatchingFlavor::tarvixClassic}),
       ignoreSafariTabsAndURLs_(platform.userDefaults, {"ignoreSafariTabsAndURLs", false}),
-      axEngine_(platform.accessibility, platform.workspace),
-      windowServer_(platform.windowServer) {}
+      axEngine_(platform),
+      windowServer_(platform.windowServer),
+      runLoop_(platform.runLoop) {}
 
+// The sources are joined in their order, whichever of them is the first to end.
 OrderedSet<AccessibilityElement> SearchEngine::candidates(std::int32_t pid) const {
-    if (!windowServer_.onScreenWindows()) return {};
-    return windowElements(pid);
+    const std::optional<std::vector<WindowInfo>> windowList = windowServer_.onScreenWindows();
+    if (!windowList) return {};
+    const std::vector<Source> all = sources(*windowList, pid);
+    std::vector<OrderedSet<AccessibilityElement>> found(all.size());
+    std::vector<std::function<void()>> bodies;
+    for (std::size_t i = 0; i < all.size(); ++i) bodies.emplace_back([&, i] { found[i] = all[i](); });
+    runLoop_.concurrently(std::move(bodies));
+    OrderedSet<AccessibilityElement> candidates;
+    for (const OrderedSet<AccessibilityElement>& each : found) candidates.unite(each);
+    return candidates;
+}
+
+// Only those that are asked: what is off, or not on the screen, doesn't cost a thread.
+std::vector<SearchEngine::Source> SearchEngine::sources(std::span<const WindowInfo> windowList,
+                                                        std::int32_t pid) const {
+    const bool menuBarOnScreen =
+        std::ranges::any_of(windowList, [](const WindowInfo& window) { return window.layer == kStatusItemLayer; });
+    const bool dockOnScreen =
+        std::ranges::any_of(windowList, [](const WindowInfo& window) { return window.ownerName == kDockOwner; });
+    std::vector<Source> asked;
+    if (searchIncludesAppMenus_.value() && menuBarOnScreen)
+        asked.emplace_back([this] { return axEngine_.appMenuElements(); });
+    if (searchIncludesStatusItems_.value() && menuBarOnScreen)
+        asked.emplace_back([this, windowList] { return axEngine_.statusItemElements(windowList); });
+    if (searchIncludesNotifications_.value()) asked.emplace_back([this] { return axEngine_.notificationElements(); });
+    if (searchIncludesDock_.value() && dockOnScreen) asked.emplace_back([this] { return axEngine_.dockElements(); });
+    asked.emplace_back([this, pid] { return windowElements(pid); });
+    return asked;
 }
 
 OrderedSet<AccessibilityElement> SearchEngine::windowElements(std::int32_t pid) const {

@@ -2,9 +2,12 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <mutex>
+#include <span>
 #include <string_view>
+#include <vector>
 
 #include "ax/AXEngine2.h"
 #include "ax/AccessibilityElement.h"
@@ -20,9 +23,10 @@ class SearchEngine {
 public:
     explicit SearchEngine(const Platform& platform);
 
-    // Everything that may become a Target in the focused window of a process, in the order of its tree; -1 stands for
-    // no process. Empty where the window server can't say what is on the screen. Blocks until the application has
-    // answered; for a background thread.
+    // Everything that may become a Target: application menus, status items, notifications and dock items, as far as the
+    // settings say so and they are on the screen, and last the focused window of a process, in the order of its tree;
+    // -1 stands for no process. Of equal elements the first stays. Empty where the window server can't say what is on
+    // the screen. Blocks until the slowest of the applications has answered; for a background thread.
     OrderedSet<AccessibilityElement> candidates(std::int32_t pid) const;
 
     // Brings a list of candidates into the form that filteredElements() works on, so that the first query doesn't wait
@@ -34,8 +38,11 @@ public:
                                                       std::string_view query) const;
 
 private:
+    using Source = std::function<OrderedSet<AccessibilityElement>()>;
+
     std::shared_ptr<const MatchIndex> indexOf(const OrderedSet<AccessibilityElement>& candidates) const;
     OrderedSet<AccessibilityElement> windowElements(std::int32_t pid) const;
+    std::vector<Source> sources(std::span<const WindowInfo> windowList, std::int32_t pid) const;
 
     // Of the latest list; a search has one.
     struct Latest {
@@ -44,11 +51,16 @@ private:
         std::shared_ptr<const MatchIndex> index;
     };
 
+    Setting<bool> searchIncludesAppMenus_;
+    Setting<bool> searchIncludesStatusItems_;
+    Setting<bool> searchIncludesNotifications_;
+    Setting<bool> searchIncludesDock_;
     Setting<bool> searchIncludesTrafficLightButtons_;
     Setting<FuzzyMatchingFlavor> fuzzyMatchingFlavor_;
     Setting<bool> ignoreSafariTabsAndURLs_;
     AXEngine2 axEngine_;
     WindowServer& windowServer_;
+    RunLoop& runLoop_;
     std::unique_ptr<Latest> latest_ = std::make_unique<Latest>();
 };
 

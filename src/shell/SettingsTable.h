@@ -45,10 +45,10 @@ inline constexpr std::span<const SettingCase> positions = inputPositionCases;
 // the hue 0.5 until the user moves the slider, which stands at 0.28 by then: two defaults, on purpose.
 // clang-format off
 inline constexpr auto settingRows = std::to_array<SettingRow>({
-    {"searchIncludesAppMenus", true, false, "search the application menus", settingsTable::nobodyYet},
-    {"searchIncludesStatusItems", true, false, "search the status items", settingsTable::nobodyYet},
-    {"searchIncludesNotifications", true, false, "search the notifications", settingsTable::nobodyYet},
-    {"searchIncludesDock", false, true, "search the dock", settingsTable::nobodyYet},
+    {"searchIncludesAppMenus", true, false, "search the application menus", "SearchEngine"},
+    {"searchIncludesStatusItems", true, false, "search the status items", "SearchEngine"},
+    {"searchIncludesNotifications", true, false, "search the notifications", "SearchEngine"},
+    {"searchIncludesDock", false, true, "search the dock", "SearchEngine"},
     {"searchIncludesTrafficLightButtons", false, true, "search a window's close, minimise and zoom buttons",
      "SearchEngine"},
     {"fuzzyMatchingFlavor", "tarvixClassic", "tarvixExtended",

@@ -183,7 +183,7 @@ TEST_F(AttributeAccess, ARoleOfNoInterestIsReadAndOneThatCantBeReadIsAbsent) {
 }
 
 TEST_F(AttributeAccess, TheFocusedApplicationIsThatOfTheWholeDesktop) {
-    const AXEngine2 engine(desk.accessibility, desk.workspace);
+    const AXEngine2 engine(desk.platform());
     desk.accessibility.setFocusedApplication(pid);
     EXPECT_EQ(engine.focusedApplicationProcessIdentifier(), pid);
     desk.accessibility.setStatus(desk.accessibility.systemWide(), ax::focusedApplication, AxStatus::cannotComplete);
@@ -191,7 +191,7 @@ TEST_F(AttributeAccess, TheFocusedApplicationIsThatOfTheWholeDesktop) {
 }
 
 TEST_F(AttributeAccess, ADesktopWhereNothingIsFocusedAndNothingFailedEndsTheProcess) {
-    const AXEngine2 engine(desk.accessibility, desk.workspace);
+    const AXEngine2 engine(desk.platform());
     desk.accessibility.setStatus(desk.accessibility.systemWide(), ax::focusedApplication, AxStatus::noValue);
     EXPECT_DEATH((void)engine.focusedApplicationProcessIdentifier(), "");
 }

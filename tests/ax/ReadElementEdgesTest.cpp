@@ -25,7 +25,7 @@ protected:
 
     SimulatedDesktop desk_;
     SimulatedWindow window_ = desk_.window("Mail");
-    AXEngine2 engine_{desk_.accessibility, desk_.workspace};
+    AXEngine2 engine_{desk_.platform()};
 };
 
 TEST_F(ReadElementEdges, MissingAttributesLeaveAnEmptyRecord) {

@@ -35,7 +35,7 @@ protected:
 
     SimulatedDesktop desk_;
     SimulatedWindow window_ = desk_.window("Mail", {{0, 0}, {800, 600}});
-    AXEngine2 engine_{desk_.accessibility, desk_.workspace};
+    AXEngine2 engine_{desk_.platform()};
 };
 
 // For each of the 26 roles: is it kept, and are its children gone through, with no, one and two children.

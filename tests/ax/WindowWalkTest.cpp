@@ -51,7 +51,7 @@ protected:
 
     SimulatedDesktop desk;
     std::int32_t pid = desk.launch("Editor");
-    AXEngine2 engine{desk.accessibility, desk.workspace};
+    AXEngine2 engine{desk.platform()};
 };
 
 TEST_F(WindowWalk, AWindowWithoutChildrenGivesNothing) { EXPECT_THAT(foundIn({}), IsEmpty()); }

@@ -86,7 +86,7 @@ TEST_F(SimulatedFaults, RemovingAnElementRemovesWhatIsBelowIt) {
     service_.remove(group);
     EXPECT_EQ(service_.attribute(button, ax::title).status, AxStatus::invalidElement);
     EXPECT_THROW(static_cast<void>(service_.titled("Archive")), std::out_of_range);
-    EXPECT_TRUE(AXEngine2(desk_.accessibility, desk_.workspace).frontmostWindowElements(window_.pid).size() == 1);
+    EXPECT_TRUE(AXEngine2(desk_.platform()).frontmostWindowElements(window_.pid).size() == 1);
 }
 
 }  // namespace
