@@ -11,15 +11,8 @@
 #include <vector>
 
 #include "core/Pointer.h"
-#include "linux/atspi/AtspiService.h"
-#include "linux/x11/X11Connection.h"
-#include "linux/x11/X11Events.h"
-#include "linux/x11/X11Screens.h"
-#include "linux/x11/X11WindowServer.h"
-#include "linux/x11/X11Windows.h"
-#include "linux/x11/X11Workspace.h"
 #include "search/SearchEngine.h"
-#include "simulated/SimulatedDesktop.h"
+#include "tests/desktop/RealServices.h"
 #include "tests/desktop/play/Await.h"
 #include "tests/desktop/play/DesktopScale.h"
 #include "tests/desktop/play/Fixture.h"
@@ -38,36 +31,6 @@ struct Toolkit {
     int settingsDpi = 0, windowScale = 1;  // of the settings manager; 0: there is none
 
     friend std::ostream& operator<<(std::ostream& out, const Toolkit& toolkit) { return out << toolkit.name; }
-};
-
-// The real services, as far as a search goes; what belongs to panels and settings is simulated.
-struct Services {
-    std::unique_ptr<X11Windows> windows = std::move(X11Windows::open().value());
-    std::unique_ptr<X11Connection> connection = std::move(X11Connection::open().value());
-    std::unique_ptr<AtspiService> accessibility = std::move(AtspiService::open(*windows).value());
-    std::unique_ptr<X11Workspace> workspace = std::move(X11Workspace::open(*connection, *windows).value());
-    std::unique_ptr<X11WindowServer> windowServer = std::move(X11WindowServer::open(*windows).value());
-    std::unique_ptr<X11Screens> screens = std::move(X11Screens::open(*connection).value());
-    std::unique_ptr<X11Events> events = std::move(X11Events::open(*connection).value());
-    SimulatedDesktop rest;
-
-    Platform platform() {
-        return {.accessibility = *accessibility,
-                .application = rest.application,
-                .workspace = *workspace,
-                .windowServer = *windowServer,
-                .screens = *screens,
-                .events = *events,
-                .eventTaps = rest.eventTaps,
-                .hotKeys = rest.hotKeys,
-                .inputSources = rest.inputSources,
-                .panels = rest.panels,
-                .runLoop = rest.runLoop,
-                .userDefaults = rest.userDefaults,
-                .pasteboard = rest.pasteboard,
-                .notificationCenter = rest.notificationCenter,
-                .milestones = rest.milestones};
-    }
 };
 
 // Whether a control's name, as a query, finds it at its place.
@@ -183,7 +146,7 @@ protected:
         EXPECT_EQ(fixture_->clicks(), wanted);
     }
 
-    Services services_;
+    RealServices services_;
     const SearchEngine search_{services_.platform()};
     std::optional<ResourceDpi> resources_;
     std::optional<SettingsManager> settings_;
