@@ -1,0 +1,129 @@
+"""GTK and Qt applications, with probes that live in them and walk the toolkit's own widgets."""
+
+import json
+import os
+import socket
+import time
+from pathlib import Path
+
+from application import Application, Control, Probe, Shortfall
+
+ANSWER_LIMIT = 30.0  # seconds
+
+
+class WidgetProbe(Probe):
+    """The near end of the line to a probe library (probes/); each process that has loaded it connects."""
+
+    library = ""  # its file below the build's tests/applications
+
+    def __init__(self, folder):
+        super().__init__(folder)
+        self.path = Path(os.environ["TARVIX_PROBES"]) / self.library
+        self.listener = socket.socket(socket.AF_UNIX)
+        self.listener.bind(str(folder / "probe"))
+        self.listener.listen()
+        self.listener.setblocking(False)
+        self.lines = {}  # pid -> Line
+        self.window, self.pressed = None, []
+
+    def environment(self):
+        return {"TARVIX_PROBE": str(self.folder / "probe")}
+
+    def is_ready(self, window):
+        while True:
+            try:
+                connection, _ = self.listener.accept()
+            except BlockingIOError:
+                break
+            line = Line(connection)
+            hello = line.read(ANSWER_LIMIT)
+            line.version = hello["version"]
+            self.lines[hello["pid"]] = line
+        if window["pid"] not in self.lines:
+            return False
+        self.window = window
+        return True
+
+    def line(self):
+        return self.lines[self.window["pid"]]
+
+    def version(self):
+        return self.line().version
+
+    def controls(self):
+        line = self.line()
+        line.write(str(self.window["number"]))
+        while True:
+            told = line.read(ANSWER_LIMIT)
+            self.take(told)
+            if "controls" in told:
+                return [control(each) for each in told["controls"]]
+
+    def take(self, told):
+        if "pressed" in told:
+            self.pressed.append(told["pressed"])
+
+    def clicks(self):
+        for line in self.lines.values():
+            while (told := line.read(0)) is not None:
+                self.take(told)
+        return list(self.pressed)
+
+    def close(self):
+        for line in self.lines.values():
+            line.connection.close()
+        self.listener.close()
+
+
+class Line:
+    def __init__(self, connection):
+        self.connection, self.pending, self.version = connection, b"", ""
+
+    def write(self, text):
+        self.connection.sendall(text.encode() + b"\n")
+
+    def read(self, limit):
+        """The next message, or None where none comes in time."""
+        deadline = time.monotonic() + limit
+        while b"\n" not in self.pending:
+            self.connection.settimeout(max(deadline - time.monotonic(), 0.001))
+            try:
+                more = self.connection.recv(1 << 16)
+            except TimeoutError:
+                if limit == 0:
+                    return None
+                raise
+            if not more:
+                if limit == 0:
+                    return None
+                raise ConnectionError("the application has gone")
+            self.pending += more
+        line, _, self.pending = self.pending.partition(b"\n")
+        return json.loads(line)
+
+
+def control(told):
+    return Control(id=told["id"], kind=told["kind"], text=told["text"], frame=tuple(told["frame"]),
+                   text_frame=tuple(told["text_frame"]) if "text_frame" in told else None, counted=told["counted"],
+                   seen=told["seen"], clickable=told["clickable"], inside=told.get("inside"))
+
+
+class Gtk3(WidgetProbe):
+    library = "libprobe_gtk3.so"
+
+    def environment(self):
+        return {**super().environment(), "GTK_MODULES": str(self.path)}
+
+
+APPLICATIONS = [
+    Application(name="gtk3-widget-factory", toolkit="GTK 3", packages=["gtk-3-examples"], command=["gtk3-widget-factory"],
+                probe=Gtk3, quick=True),
+    Application(name="mousepad", toolkit="GTK 3", packages=["mousepad"], command=["mousepad", "{folder}/notes.txt"],
+                files={"notes.txt": "Milk\nBread\nA dozen eggs\n"}, probe=Gtk3, quick=True),
+    Application(name="gedit", toolkit="GTK 3", packages=["gedit"], command=["gedit", "{folder}/notes.txt"],
+                files={"notes.txt": "Milk\nBread\nA dozen eggs\n"}, probe=Gtk3),
+    Application(name="thunar", toolkit="GTK 3", packages=["thunar"], command=["thunar", "{folder}/garden"],
+                files={f"garden/{name}": name for name in ("beans.txt", "carrots.txt", "dill.txt")}, probe=Gtk3),
+    Application(name="xfce4-terminal", toolkit="GTK 3", packages=["xfce4-terminal", "libvte-2.91-0"],
+                command=["xfce4-terminal", "--disable-server", "--show-menubar", "--show-toolbar", "--command", "sh -c 'echo Harvest; cat'"], probe=Gtk3),
+]
