@@ -21,7 +21,10 @@ namespace tarvix {
 class AXEngine2 {
 public:
     explicit AXEngine2(const Platform& platform)
-        : service_(&platform.accessibility), workspace_(&platform.workspace), screens_(&platform.screens) {}
+        : service_(&platform.accessibility),
+          workspace_(&platform.workspace),
+          screens_(&platform.screens),
+          runLoop_(&platform.runLoop) {}
 
     // One element. Absent only when the read fails as a whole; a missing attribute leaves its field absent or zero. A
     // text area in a scroll area is where the scroll area is, since its own frame is that of the whole text.
@@ -66,12 +69,25 @@ public:
     static std::vector<UIElement> readChildren(AccessibilityReads& reads, const AccessibilityElement& record,
                                                const UIElement& element);
 
+    // The switches that make an application show its tree. Each tries at once and then, on the main run loop, again and
+    // again, until the application shows that it has understood or has been asked often enough; nothing takes back what
+    // was written, and several may be at work on one application. Each step is a line on the standard output. Main
+    // thread; the service outlives the run loop's timers.
+    //
+    // Every 0.28 seconds, at most 12 times, until the attribute reads as true: then it isn't written at all.
+    void keepEnhancedUserInterfaceSet(std::int32_t processIdentifier) const;
+    // Every 0.44 seconds, at most 16 times, until the application says which of its windows has the focus.
+    void keepManualAccessibilitySet(std::int32_t processIdentifier) const;
+    // Both attributes, every 0.88 seconds, at most 6 times, until the application says what in it has the focus.
+    void keepBothAttributesSet(std::int32_t processIdentifier) const;
+
 private:
     std::optional<UIElement> windowToWalk(std::int32_t processIdentifier) const;
 
     AccessibilityService* service_;
     Workspace* workspace_;
     Screens* screens_;
+    RunLoop* runLoop_;
 };
 
 }  // namespace tarvix

@@ -1,7 +1,9 @@
 #include "core/AppCore.h"
 
+#include "core/AppActivation.h"
 #include "platform/Milestones.h"
 #include "platform/UserDefaults.h"
+#include "platform/Workspace.h"
 
 namespace tarvix {
 
@@ -27,6 +29,7 @@ void AppCore::removeOldSettings() {
 void AppCore::makeServices() {
     if (tarvixEngine_) return;
     sauce_ = std::make_unique<Sauce>(platform_.inputSources);
+    axEngine_.emplace(platform_);
     displayEngine_ = std::make_unique<DisplayEngine>(platform_);
     tarvixEngine_ =
         std::make_unique<TarvixEngine>(platform_, std::make_shared<SearchEngine>(platform_), *displayEngine_);
@@ -43,6 +46,8 @@ void AppCore::makeServices() {
     // After The Input, which has taken on a new look by the time that it is shown with it.
     inputPreviewer_ = std::make_unique<InputPreviewer>(*theInput_, *tarvixEngine_);
     theInputMakeup_ = std::make_unique<TheInputMakeup>(platform_.userDefaults, platform_.runLoop, *inputPreviewer_);
+    activation_ = platform_.workspace.onApplicationActivated(
+        [this](const RunningApplication& application) { anAppHasBeenActivated(application, *axEngine_); });
 }
 
 // The handlers go first, so that a second start doesn't leave two of them.

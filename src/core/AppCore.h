@@ -2,8 +2,10 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 
 #include "KeyboardShortcuts/KeyboardShortcuts.h"
+#include "ax/AXEngine2.h"
 #include "core/EventTapController.h"
 #include "core/InputPreviewer.h"
 #include "core/KeyRouting.h"
@@ -28,7 +30,7 @@ public:
     AppCore& operator=(const AppCore&) = delete;
 
     // Makes what isn't there yet and brings the shortcut, the key monitor and the event tap to life. May run many
-    // times.
+    // times. From the first time on, applications that become active get the switch that makes them show their tree.
     void start();
 
     // Once start() has run.
@@ -46,6 +48,7 @@ private:
     Platform platform_;
     Preloading preloading_;
     std::unique_ptr<Sauce> sauce_;
+    std::optional<AXEngine2> axEngine_;
     std::unique_ptr<DisplayEngine> displayEngine_;
     std::unique_ptr<TarvixEngine> tarvixEngine_;
     std::unique_ptr<TheInput> theInput_;
@@ -57,6 +60,7 @@ private:
     std::unique_ptr<InputPreviewer> inputPreviewer_;
     std::unique_ptr<TheInputMakeup> theInputMakeup_;
     Subscription sessionEnd_;
+    Subscription activation_;
 };
 
 }  // namespace tarvix

@@ -363,6 +363,7 @@ AxStatus SimulatedAccessibility::perform(const UIElement& element, std::string_v
 }
 
 AxStatus SimulatedAccessibility::setAttribute(const UIElement& element, std::string_view name, const AxValue& value) {
+    if (onSetAttribute) onSetAttribute(element, name, value);
     const std::lock_guard lock(mutex_);
     const AxStatus status = strike("setAttribute", idOf(element));
     if (status != AxStatus::success) return status;

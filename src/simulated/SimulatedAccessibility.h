@@ -82,6 +82,8 @@ public:
     // The application stops answering, or answers again.
     void hang(std::int32_t pid, bool hangs = true);
     std::atomic<bool> trusted = true;  // false: every call gives apiDisabled or an absence
+    // What an application makes of a write; called at each attempt, before the answer. Main thread.
+    std::function<void(const UIElement& element, std::string_view name, const AxValue& value)> onSetAttribute;
 
     // --- What has been asked.
 
