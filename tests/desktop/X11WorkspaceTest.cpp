@@ -121,6 +121,16 @@ TEST_F(X11WorkspaceOnDesktop, WhatALauncherStartedIsKnownByTheLaunchersWordButNo
         loop.runUntil([&] { return workspace->runningApplication(inherited.pid())->bundleIdentifier == "sleep"; }));
 }
 
+TEST_F(X11WorkspaceOnDesktop, AnApplicationOfTheCatalogueGoesByTheCataloguesIdentifier) {
+    applications.add("code.desktop", "Name=Visual Studio Code");
+    application.setText("WM_CLASS", std::string("code\0Code\0", 10));
+    application.connection().sync();
+    const RunningApplication expected{getpid(), "com.microsoft.VSCode", "Visual Studio Code"};
+    EXPECT_EQ(workspace->frontmostApplication(), expected);
+    EXPECT_EQ(workspace->runningApplications("com.microsoft.VSCode"), std::vector{expected});
+    EXPECT_TRUE(workspace->runningApplications("code").empty());
+}
+
 TEST_F(X11WorkspaceOnDesktop, AProcessThatHasGoneIsAbsent) {
     std::int32_t pid = 0;
     {
@@ -188,6 +198,28 @@ TEST(X11DesktopEntries, WhatAnEntrySaysOfItsWindowsComesBeforeTheNameOfAFile) {
     EXPECT_EQ(entries.ofWindow("Paint", "")->name, "Paint") << "by the last part of its id";
     EXPECT_EQ(entries.ofWindow("unknown", "org.example.paint")->name, "Paint") << "by the instance, in any case";
     EXPECT_FALSE(entries.ofWindow("", ""));
+}
+
+TEST(X11DesktopEntries, ASnapIsFoundByItsMainApplicationElseByAnyOfIt) {
+    Applications applications;
+    applications.add("code_url-handler.desktop", "Name=Handler");
+    applications.add("code_code.desktop", "Name=Code");
+    applications.add("skype_skypeforlinux.desktop", "Name=Skype");
+    applications.add("codec.desktop", "Name=Codec");
+    DesktopEntries entries({applications.folder()});
+    EXPECT_EQ(entries.ofSnap("code")->name, "Code");
+    EXPECT_EQ(entries.ofSnap("skype")->id, "skype_skypeforlinux");
+    EXPECT_FALSE(entries.ofSnap("cod"));
+}
+
+TEST(X11DesktopEntries, AnAppImageHasOneEntryInItsFolder) {
+    Applications applications;
+    EXPECT_FALSE(DesktopEntries::onlyIn(applications.folder()));
+    applications.add("obsidian.desktop", "Name=Obsidian\nExec=AppRun --no-sandbox %U\nStartupWMClass=obsidian");
+    std::ofstream(applications.folder() / ".DirIcon") << "no entry";
+    EXPECT_EQ(DesktopEntries::onlyIn(applications.folder()),
+              (DesktopEntry{"obsidian", "Obsidian", "obsidian", "AppRun", applications.folder() / "obsidian.desktop"}));
+    EXPECT_FALSE(DesktopEntries::onlyIn("/nowhere"));
 }
 
 TEST(X11DesktopEntries, OnlyApplicationsAndOnlyTheMainGroupCount) {

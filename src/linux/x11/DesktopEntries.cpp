@@ -85,6 +85,28 @@ std::string idOf(const fs::path& file, const fs::path& folder) {
     return id;
 }
 
+std::optional<DesktopEntry> entryOf(const fs::path& file, const fs::path& folder) {
+    auto values = mainGroupOf(file);
+    if (values["Type"] != "Application") return std::nullopt;
+    std::string name = values["Name"];
+    for (const std::string& language : languages())
+        if (const auto translated = values.find("Name[" + language + "]"); translated != values.end()) {
+            name = translated->second;
+            break;
+        }
+    return DesktopEntry{idOf(file, folder), name, values["StartupWMClass"], programOf(values["Exec"]), file};
+}
+
+// Those whose id isn't known yet.
+void addEntriesOf(const fs::path& folder, std::set<std::string>& known, std::vector<DesktopEntry>& entries) {
+    std::error_code failure;
+    fs::recursive_directory_iterator file(folder, fs::directory_options::skip_permission_denied, failure), end;
+    for (; !failure && file != end; file.increment(failure)) {
+        if (file->path().extension() != kExtension || !known.insert(idOf(file->path(), folder)).second) continue;
+        if (auto entry = entryOf(file->path(), folder)) entries.push_back(std::move(*entry));
+    }
+}
+
 }  // namespace
 
 DesktopEntries::DesktopEntries(std::vector<fs::path> folders) : folders_(std::move(folders)) { read(); }
@@ -111,25 +133,7 @@ void DesktopEntries::read() {
     readAt_ = changeTimes();
     entries_.clear();
     std::set<std::string> known;
-    const auto preferred = languages();
-    for (const fs::path& folder : folders_) {
-        std::error_code failure;
-        fs::recursive_directory_iterator file(folder, fs::directory_options::skip_permission_denied, failure), end;
-        for (; !failure && file != end; file.increment(failure)) {
-            if (file->path().extension() != kExtension) continue;
-            const std::string id = idOf(file->path(), folder);
-            if (!known.insert(id).second) continue;
-            auto values = mainGroupOf(file->path());
-            if (values["Type"] != "Application") continue;
-            std::string name = values["Name"];
-            for (const std::string& language : preferred)
-                if (const auto translated = values.find("Name[" + language + "]"); translated != values.end()) {
-                    name = translated->second;
-                    break;
-                }
-            entries_.push_back({id, name, values["StartupWMClass"], programOf(values["Exec"])});
-        }
-    }
+    for (const fs::path& folder : folders_) addEntriesOf(folder, known, entries_);
 }
 
 template <class Fits>
@@ -166,6 +170,20 @@ std::optional<DesktopEntry> DesktopEntries::ofWindow(std::string_view windowClas
 std::optional<DesktopEntry> DesktopEntries::ofProgram(std::string_view program) {
     if (program.empty()) return std::nullopt;
     return find<Fits>({[&](const DesktopEntry& e) { return e.program == program; }});
+}
+
+std::optional<DesktopEntry> DesktopEntries::ofSnap(std::string_view snap) {
+    const std::string prefix = std::string(snap) + "_", main = prefix + std::string(snap);
+    return find<Fits>({[&](const DesktopEntry& e) { return e.id == main; },
+                       [&](const DesktopEntry& e) { return e.id.starts_with(prefix); }});
+}
+
+std::optional<DesktopEntry> DesktopEntries::onlyIn(const fs::path& folder) {
+    std::error_code failure;
+    fs::directory_iterator file(folder, failure), end;
+    for (; !failure && file != end; file.increment(failure))
+        if (file->path().extension() == kExtension) return entryOf(file->path(), folder);
+    return std::nullopt;
 }
 
 }  // namespace tarvix

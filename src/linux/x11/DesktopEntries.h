@@ -16,6 +16,7 @@ struct DesktopEntry {
     std::string name;         // in the user's language
     std::string windowClass;  // StartupWMClass
     std::string program;      // the base name of what Exec starts
+    std::filesystem::path file = {};
     friend bool operator==(const DesktopEntry&, const DesktopEntry&) = default;
 };
 
@@ -30,6 +31,11 @@ public:
     // By a window's class and instance: first what an entry says of its windows, then what its file is named.
     std::optional<DesktopEntry> ofWindow(std::string_view windowClass, std::string_view windowInstance);
     std::optional<DesktopEntry> ofProgram(std::string_view program);
+    // A Snap's entries are named after it and its applications; the one named after both is its main one.
+    std::optional<DesktopEntry> ofSnap(std::string_view snap);
+
+    // The one entry in a folder that isn't one of the installed ones, such as an AppImage's.
+    static std::optional<DesktopEntry> onlyIn(const std::filesystem::path& folder);
 
 private:
     template <class Fits>

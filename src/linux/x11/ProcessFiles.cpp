@@ -26,11 +26,16 @@ bool processIsAlive(std::int32_t pid) {
     return pid > 0 && std::filesystem::exists(pathOf(pid, ""), failure);
 }
 
-std::string programName(std::int32_t pid) {
+std::string programPath(std::int32_t pid) {
     std::error_code failure;
-    std::string name = std::filesystem::read_symlink(pathOf(pid, "exe"), failure).filename().string();
+    std::string path = std::filesystem::read_symlink(pathOf(pid, "exe"), failure).string();
     constexpr std::string_view replaced = " (deleted)";  // the program was updated while it runs
-    if (name.ends_with(replaced)) name.resize(name.size() - replaced.size());
+    if (path.ends_with(replaced)) path.resize(path.size() - replaced.size());
+    return path;
+}
+
+std::string programName(std::int32_t pid) {
+    std::string name = std::filesystem::path(programPath(pid)).filename().string();
     if (!name.empty()) return name;
     std::string command = contentOf(pathOf(pid, "comm"));
     return command.substr(0, command.find('\n'));
@@ -59,5 +64,46 @@ std::optional<std::string> flatpakId(std::int32_t pid) {
     }
     return std::nullopt;
 }
+
+std::optional<std::string> snapOfPath(std::string_view program) {
+    for (const std::string_view mounts : {"/snap/", "/var/lib/snapd/snap/"}) {
+        if (!program.starts_with(mounts)) continue;
+        const std::string_view rest = program.substr(mounts.size());
+        const std::size_t end = rest.find('/');
+        if (end != std::string_view::npos && end > 0 && rest.substr(0, end) != "bin")
+            return std::string(rest.substr(0, end));
+    }
+    return std::nullopt;
+}
+
+// The group's last part is "snap.NAME.APPLICATION-UUID.scope".
+std::optional<std::string> snapOfControlGroup(std::string_view cgroup) {
+    constexpr std::string_view prefix = "/snap.";
+    const std::size_t start = cgroup.find(prefix);
+    if (start == std::string_view::npos) return std::nullopt;
+    const std::string_view rest = cgroup.substr(start + prefix.size());
+    const std::size_t end = rest.find_first_of(".\n");
+    if (end == std::string_view::npos || end == 0 || rest[end] != '.') return std::nullopt;
+    return std::string(rest.substr(0, end));
+}
+
+std::optional<std::string> appImageFolderOfPath(std::string_view program) {
+    for (const std::string_view mark : {"/.mount_", "/appimage_extracted_"}) {
+        const std::size_t start = program.find(mark);
+        if (start == std::string_view::npos) continue;
+        const std::size_t end = program.find('/', start + 1);
+        if (end != std::string_view::npos) return std::string(program.substr(0, end));
+    }
+    return std::nullopt;
+}
+
+std::optional<std::string> snapOfProgram(std::int32_t pid) { return snapOfPath(programPath(pid)); }
+
+std::optional<std::string> snapOfEnvironment(std::int32_t pid) {
+    if (auto name = environmentVariable(pid, "SNAP_INSTANCE_NAME")) return name;
+    return snapOfControlGroup(contentOf(pathOf(pid, "cgroup")));
+}
+
+std::optional<std::string> appImageFolder(std::int32_t pid) { return appImageFolderOfPath(programPath(pid)); }
 
 }  // namespace tarvix

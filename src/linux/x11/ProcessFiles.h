@@ -12,9 +12,22 @@ namespace tarvix {
 bool processIsAlive(std::int32_t pid);
 // The base name of its program.
 std::string programName(std::int32_t pid);
+// The whole path of its program, as the kernel knows it.
+std::string programPath(std::int32_t pid);
 // A variable of the environment that it was started with.
 std::optional<std::string> environmentVariable(std::int32_t pid, std::string_view name);
 // The application id that a Flatpak sandbox gives it.
 std::optional<std::string> flatpakId(std::int32_t pid);
+// The Snap that its program is a part of.
+std::optional<std::string> snapOfProgram(std::int32_t pid);
+// The Snap that it was started in, or one of those that started it: a Snap's terminal hands its name on to everything.
+std::optional<std::string> snapOfEnvironment(std::int32_t pid);
+// The folder where the AppImage is unpacked that its program is a part of.
+std::optional<std::string> appImageFolder(std::int32_t pid);
+
+// The same of texts.
+std::optional<std::string> snapOfPath(std::string_view program);
+std::optional<std::string> snapOfControlGroup(std::string_view cgroup);
+std::optional<std::string> appImageFolderOfPath(std::string_view program);
 
 }  // namespace tarvix

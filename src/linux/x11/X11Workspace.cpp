@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <utility>
 
+#include "linux/desktops/CatalogueAliases.h"
 #include "linux/x11/ProcessFiles.h"
 
 namespace tarvix {
@@ -88,14 +89,24 @@ std::optional<DesktopEntry> X11Workspace::entryOf(std::int32_t pid, const X11Win
     if (const auto id = flatpakId(pid)) {
         // Known by its name inside of the sandbox even where its file can't be seen.
         const auto entry = known(*id);
-        return entry ? entry : DesktopEntry{*id, "", "", ""};
+        return entry ? entry : DesktopEntry{*id, "", "", "", {}};
     }
+    if (const auto snap = snapOfProgram(pid)) return ofSnap(*snap);
     if (window)
         if (const auto entry = known(window->gtkApplicationId)) return entry;
     if (const auto entry = known(launchedId(pid))) return entry;
     if (window)
         if (const auto entry = entries_.ofWindow(window->windowClass, window->windowInstance)) return entry;
+    if (const auto folder = appImageFolder(pid))
+        if (const auto entry = DesktopEntries::onlyIn(*folder)) return entry;
+    if (const auto snap = snapOfEnvironment(pid))
+        if (const auto entry = entries_.ofSnap(*snap)) return entry;
     return entries_.ofProgram(programName(pid));
+}
+
+DesktopEntry X11Workspace::ofSnap(const std::string& snap) {
+    const auto entry = entries_.ofSnap(snap);
+    return entry ? *entry : DesktopEntry{snap + "_" + snap, "", "", "", {}};
 }
 
 RunningApplication X11Workspace::describe(std::int32_t pid, const X11Window* window) {
@@ -115,8 +126,9 @@ RunningApplication X11Workspace::look(std::int32_t pid, const X11Window* window)
     const auto entry = entryOf(pid, window);
     const std::string program = programName(pid);
     const std::string windowClass = window ? window->windowClass : "";
-    return {pid, entry ? entry->id : lowered(firstOf({program, windowClass, "unknown"})),
-            firstOf({entry ? entry->name : "", windowClass, program})};
+    const std::string id = entry ? entry->id : lowered(firstOf({program, windowClass, "unknown"}));
+    const std::string_view catalogues = catalogueIdentifier({id, windowClass}).value_or(id);
+    return {pid, std::string(catalogues), firstOf({entry ? entry->name : "", windowClass, program})};
 }
 
 std::string X11Workspace::ownBundleIdentifier() { return kOwnId; }

@@ -56,6 +56,7 @@ private:
     void activeWindowChanged();
     // What is installed as the owner of a process and of one of its windows, if it has any.
     std::optional<DesktopEntry> entryOf(std::int32_t pid, const X11Window* window);
+    DesktopEntry ofSnap(const std::string& snap);
     RunningApplication look(std::int32_t pid, const X11Window* window);
     // The same, from memory where the last answer was about the same window: looking takes a millisecond, and a search
     // asks for the frontmost application again and again.

@@ -1,0 +1,183 @@
+// What the applications of the catalogue are called on a Linux desktop.
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <functional>
+#include <initializer_list>
+#include <optional>
+#include <string_view>
+
+namespace tarvix {
+
+struct CatalogueAlias {
+    // A desktop file's id (a Snap's is "snap_application"), a Flatpak's name, a window's class or a program, in lower
+    // case: an application is mostly called the same in several of these ways.
+    std::string_view name;
+    std::string_view bundleIdentifier;  // of the catalogue's row
+};
+
+// Sorted by name. Chromium stands for itself: it is no row of the catalogue, and every application is woken anyway.
+inline constexpr auto kCatalogueAliases = std::to_array<CatalogueAlias>({
+    {"1password", "com.1password.1password"},
+    {"1password_1password", "com.1password.1password"},
+    {"anytype", "com.anytype.anytype"},
+    {"bitwarden", "com.bitwarden.desktop"},
+    {"bitwarden_bitwarden", "com.bitwarden.desktop"},
+    {"brave", "com.brave.Browser"},
+    {"brave-browser", "com.brave.Browser"},
+    {"brave_brave", "com.brave.Browser"},
+    {"chrome", "com.google.Chrome"},
+    {"clickup", "com.clickup.desktop-app"},
+    {"code", "com.microsoft.VSCode"},
+    {"code - insiders", "com.microsoft.VSCodeInsiders"},
+    {"code-insiders", "com.microsoft.VSCodeInsiders"},
+    {"code-insiders_code-insiders", "com.microsoft.VSCodeInsiders"},
+    {"code_code", "com.microsoft.VSCode"},
+    {"com.1password.1password", "com.1password.1password"},
+    {"com.bitwarden.desktop", "com.bitwarden.desktop"},
+    {"com.brave.browser", "com.brave.Browser"},
+    {"com.discordapp.discord", "com.hnc.Discord"},
+    {"com.discordapp.discordcanary", "com.hnc.DiscordCanary"},
+    {"com.getmailspring.mailspring", "com.mailspring.mailspring"},
+    {"com.getpostman.postman", "com.postmanlabs.mac"},
+    {"com.github.eneshecan.whatsappforlinux", "WhatsApp"},
+    {"com.github.ismaelmartinez.teams_for_linux", "com.microsoft.teams"},
+    {"com.google.chrome", "com.google.Chrome"},
+    {"com.logseq.logseq", "com.electron.logseq"},
+    {"com.mattermost.desktop", "Mattermost.Desktop"},
+    {"com.microsoft.edge", "com.microsoft.edgemac"},
+    {"com.onepassword.onepassword", "com.1password.1password"},
+    {"com.skype.client", "com.skype.skype"},
+    {"com.slack.slack", "com.tinyspeck.slackmacgap"},
+    {"com.spotify.client", "com.spotify.client"},
+    {"com.todoist.todoist", "com.todoist.mac.Todoist"},
+    {"com.unity.unityhub", "com.unity3d.unityhub"},
+    {"com.visualstudio.code", "com.microsoft.VSCode"},
+    {"com.visualstudio.code.insiders", "com.microsoft.VSCodeInsiders"},
+    {"com.vivaldi.vivaldi", "com.vivaldi.Vivaldi"},
+    {"discord", "com.hnc.Discord"},
+    {"discord-canary", "com.hnc.DiscordCanary"},
+    {"discord-ptb", "com.hnc.DiscordPTB"},
+    {"discord_discord", "com.hnc.Discord"},
+    {"discordcanary", "com.hnc.DiscordCanary"},
+    {"discordptb", "com.hnc.DiscordPTB"},
+    {"element", "im.riot.app"},
+    {"element-desktop", "im.riot.app"},
+    {"element-desktop_element-desktop", "im.riot.app"},
+    {"ferdium", "org.ferdium.ferdium-app"},
+    {"ferdium_ferdium", "org.ferdium.ferdium-app"},
+    {"figma-linux", "com.figma.Desktop"},
+    {"figma-linux_figma-linux", "com.figma.Desktop"},
+    {"firefox", "org.mozilla.firefox"},
+    {"firefox-aurora", "org.mozilla.firefoxdeveloperedition"},
+    {"firefox-bin", "org.mozilla.firefox"},
+    {"firefox-developer-edition", "org.mozilla.firefoxdeveloperedition"},
+    {"firefox-esr", "org.mozilla.firefox"},
+    {"firefox_firefox", "org.mozilla.firefox"},
+    {"firefoxdeveloperedition", "org.mozilla.firefoxdeveloperedition"},
+    {"github desktop", "com.github.GitHubClient"},
+    {"github-desktop", "com.github.GitHubClient"},
+    {"google-chrome", "com.google.Chrome"},
+    {"heptabase", "app.projectmeta.projectmeta"},
+    {"hey-mail", "com.hey.app.desktop"},
+    {"hey-mail_hey-mail", "com.hey.app.desktop"},
+    {"heynote", "com.heynote.app"},
+    {"im.riot.riot", "im.riot.app"},
+    {"insomnia", "com.insomnia.app"},
+    {"insomnia_insomnia", "com.insomnia.app"},
+    {"io.anytype.anytype", "com.anytype.anytype"},
+    {"io.github.figma_linux.figma_linux", "com.figma.Desktop"},
+    {"io.github.shiftey.desktop", "com.github.GitHubClient"},
+    {"io.gitlab.librewolf-community", "org.mozilla.librewolf"},
+    {"kontena-lens", "com.electron.kontena-lens"},
+    {"kontena-lens_kontena-lens", "com.electron.kontena-lens"},
+    {"lens", "com.electron.kontena-lens"},
+    {"lens-desktop", "com.electron.kontena-lens"},
+    {"librewolf", "org.mozilla.librewolf"},
+    {"local", "com.getflywheel.lightning.local"},
+    {"logseq", "com.electron.logseq"},
+    {"mailspring", "com.mailspring.mailspring"},
+    {"mailspring_mailspring", "com.mailspring.mailspring"},
+    {"mattermost", "Mattermost.Desktop"},
+    {"mattermost-desktop", "Mattermost.Desktop"},
+    {"mattermost-desktop_mattermost-desktop", "Mattermost.Desktop"},
+    {"md.obsidian.obsidian", "md.obsidian"},
+    {"microsoft teams - preview", "com.microsoft.teams"},
+    {"microsoft-edge", "com.microsoft.edgemac"},
+    {"msedge", "com.microsoft.edgemac"},
+    {"net.thunderbird.thunderbird", "org.mozilla.thunderbird"},
+    {"notion-app", "notion.id"},
+    {"notion-app-enhanced", "com.github.notion-repackaged"},
+    {"notion-snap-reborn", "notion.id"},
+    {"notion-snap-reborn_notion-snap-reborn", "notion.id"},
+    {"obsidian", "md.obsidian"},
+    {"obsidian_obsidian", "md.obsidian"},
+    {"org.ferdium.ferdium", "org.ferdium.ferdium-app"},
+    {"org.mozilla.firefox", "org.mozilla.firefox"},
+    {"org.mozilla.thunderbird", "org.mozilla.thunderbird"},
+    {"org.signal.signal", "org.whispersystems.signal-desktop"},
+    {"org.zotero.zotero", "org.zotero.zotero"},
+    {"postman", "com.postmanlabs.mac"},
+    {"postman_postman", "com.postmanlabs.mac"},
+    {"raindrop", "io.raindrop.macapp"},
+    {"raindrop_raindrop", "io.raindrop.macapp"},
+    {"rambox", "com.rambox"},
+    {"rambox_rambox", "com.rambox"},
+    {"remnote", "io.remnote"},
+    {"remnote_remnote", "io.remnote"},
+    {"rest.insomnia.insomnia", "com.insomnia.app"},
+    {"roam research", "com.roam-research.desktop-app"},
+    {"roam-research", "com.roam-research.desktop-app"},
+    {"shift", "com.rdbrck.shift"},
+    {"shift_shift", "com.rdbrck.shift"},
+    {"signal", "org.whispersystems.signal-desktop"},
+    {"signal-desktop", "org.whispersystems.signal-desktop"},
+    {"signal-desktop_signal-desktop", "org.whispersystems.signal-desktop"},
+    {"skype", "com.skype.skype"},
+    {"skype_skypeforlinux", "com.skype.skype"},
+    {"skypeforlinux", "com.skype.skype"},
+    {"slack", "com.tinyspeck.slackmacgap"},
+    {"slack_slack", "com.tinyspeck.slackmacgap"},
+    {"spotify", "com.spotify.client"},
+    {"spotify_spotify", "com.spotify.client"},
+    {"sunsama", "com.sunsama.native-app"},
+    {"tangent", "com.SuchnSuch.Tangent"},
+    {"teams", "com.microsoft.teams"},
+    {"teams-for-linux", "com.microsoft.teams"},
+    {"teams-for-linux_teams-for-linux", "com.microsoft.teams"},
+    {"teams_teams", "com.microsoft.teams"},
+    {"thunderbird", "org.mozilla.thunderbird"},
+    {"thunderbird-bin", "org.mozilla.thunderbird"},
+    {"thunderbird-esr", "org.mozilla.thunderbird"},
+    {"thunderbird_thunderbird", "org.mozilla.thunderbird"},
+    {"todoist", "com.todoist.mac.Todoist"},
+    {"todoist_todoist", "com.todoist.mac.Todoist"},
+    {"unityhub", "com.unity3d.unityhub"},
+    {"unityhub-bin", "com.unity3d.unityhub"},
+    {"upnote", "com.getupnote.desktop"},
+    {"upnote_upnote", "com.getupnote.desktop"},
+    {"vivaldi", "com.vivaldi.Vivaldi"},
+    {"vivaldi-bin", "com.vivaldi.Vivaldi"},
+    {"vivaldi-stable", "com.vivaldi.Vivaldi"},
+    {"vivaldi_vivaldi-stable", "com.vivaldi.Vivaldi"},
+    {"webcatalog", "com.webcatalog.jordan"},
+    {"whatsapp-for-linux", "WhatsApp"},
+    {"zotero", "org.zotero.zotero"},
+    {"zotero-bin", "org.zotero.zotero"},
+    {"zotero-snap_zotero-snap", "org.zotero.zotero"},
+});
+static_assert(std::ranges::is_sorted(kCatalogueAliases, std::ranges::less_equal{}, &CatalogueAlias::name),
+              "each name once, in order");
+
+// The identifier of the catalogue's row that goes by one of the names, the first name that has one deciding; in any
+// case of letters. Absent when none has.
+constexpr std::optional<std::string_view> catalogueIdentifier(std::initializer_list<std::string_view> names) {
+    const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
+    for (const std::string_view name : names)
+        for (const CatalogueAlias& alias : kCatalogueAliases)
+            if (std::ranges::equal(name, alias.name, {}, lower)) return alias.bundleIdentifier;
+    return std::nullopt;
+}
+
+}  // namespace tarvix
