@@ -86,6 +86,15 @@ Rect<Plane> unite(Rect<Plane> a, Rect<Plane> b) {
     return {{x, y}, {std::max(a.maxX(), b.maxX()) - x, std::max(a.maxY(), b.maxY()) - y}};
 }
 
+// What both have in common; null where they don't intersect.
+template <class Plane>
+Rect<Plane> intersection(Rect<Plane> a, Rect<Plane> b) {
+    if (!intersects(a, b)) return Rect<Plane>::null();
+    const double x = std::max(a.minX(), b.minX());
+    const double y = std::max(a.minY(), b.minY());
+    return {{x, y}, {std::min(a.maxX(), b.maxX()) - x, std::min(a.maxY(), b.maxY()) - y}};
+}
+
 // The point test of the mouse, for a plane whose y runs upwards: the left and the top edge (minX, maxY) belong to the
 // rectangle, the right and the bottom edge (maxX, minY) don't. It looks at numbers only, so that in a plane that runs
 // downwards the upper edge is out and the lower edge is in.

@@ -118,5 +118,13 @@ TEST(Geometry, TheMouseIsNeverInAnEmptyRectangle) {
     EXPECT_FALSE(mouseInRect(PanelPoint{10, 10}, PanelRect::null()));
 }
 
+TEST(Geometry, TheIntersectionIsWhatBothHaveInCommon) {
+    const AxRect box{{10, 10}, {20, 20}};
+    EXPECT_EQ(intersection(box, AxRect{{20, 0}, {100, 15}}), (AxRect{{20, 10}, {10, 5}}));
+    EXPECT_EQ(intersection(box, box), box);
+    EXPECT_TRUE(intersection(box, AxRect{{30, 10}, {5, 5}}).isNull()) << "touching isn't enough";
+    EXPECT_TRUE(intersection(box, AxRect::null()).isNull());
+}
+
 }  // namespace
 }  // namespace tarvix

@@ -1,4 +1,5 @@
 #include <unistd.h>
+#include <xcb/shape.h>
 
 #include <algorithm>
 
@@ -202,7 +203,66 @@ TEST_F(X11WindowsOnDesktop, APanelOfTheDesktopHasTheLayerOfStatusItemsAndStandsF
     EXPECT_NE(inServer(dock.window())->layer, 25);
     EXPECT_EQ(inServer(dock.window())->ownerName, "Dock");
     EXPECT_EQ(inServer(bar.window())->layer, 25);
-    EXPECT_EQ(inServer(bar.window())->ownerName, "Victim");
+}
+
+TEST_F(X11WindowsOnDesktop, ADockThatLetsAllClicksThroughButAStripIsNotOnTheScreen) {
+    X11Victim dock({0, 900, 1920, 140, false});
+    dock.set32("_NET_WM_WINDOW_TYPE", "ATOM", {dock.connection().atom("_NET_WM_WINDOW_TYPE_DOCK")});
+    const auto takeClicksIn = [&](const xcb_rectangle_t& box) {
+        xcb_shape_rectangles(dock.connection().get(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT, XCB_CLIP_ORDERING_UNSORTED,
+                             dock.window(), 0, 0, 1, &box);
+        dock.connection().sync();
+    };
+    takeClicksIn({800, 80, 300, 60});
+    ASSERT_TRUE(dock.show());
+    EXPECT_TRUE(loop.runUntil([&] { return inServer(dock.window()).has_value(); }));
+    const auto listed = windows->onScreen();
+    const auto seen = std::ranges::find(listed, dock.window(), &X11Window::number);
+    ASSERT_NE(seen, listed.end());
+    EXPECT_EQ(seen->clickable, (AxRect{{seen->client.minX() + 800, seen->client.minY() + 80}, {300, 60}}));
+    takeClicksIn({800, 139, 300, 1});
+    EXPECT_FALSE(inServer(dock.window()));
+    takeClicksIn({0, 0, 0, 0});
+    EXPECT_FALSE(inServer(dock.window()));
+    takeClicksIn({800, 80, 300, 60});
+    EXPECT_TRUE(inServer(dock.window()));
+}
+
+TEST_F(X11WindowsOnDesktop, WhereAPanelShowsTheButtonOfAWindowIsReadOfMinimizedOnesToo) {
+    application.set32("_NET_WM_ICON_GEOMETRY", "CARDINAL", {140, 1050, 200, 30});
+    application.connection().sync();
+    const auto buttonOf = [&](const std::vector<X11Window>& listed) -> std::optional<AxRect> {
+        const auto found = std::ranges::find(listed, application.window(), &X11Window::number);
+        return found == listed.end() ? std::nullopt : found->iconGeometry;
+    };
+    const AxRect button{{140, 1050}, {200, 30}};
+    EXPECT_EQ(buttonOf(windows->onScreen()), button);
+    if (!isManaged()) GTEST_SKIP() << "nobody keeps a list of windows";
+    EXPECT_EQ(buttonOf(windows->clients()), button);
+    application.hide();
+    EXPECT_TRUE(loop.runUntil([&] { return !buttonOf(windows->clients()); })) << "a window that has been withdrawn";
+}
+
+TEST_F(X11WindowsOnDesktop, WindowsThatOthersPutIntoAWindowAreFoundAtAnyDepth) {
+    X11Victim bar({0, 0, 1920, 30, false});
+    ASSERT_TRUE(bar.show());
+    const xcb_window_t socket = xcb_generate_id(bar.connection().get());
+    xcb_create_window(bar.connection().get(), XCB_COPY_FROM_PARENT, socket, bar.window(), 100, 4, 22, 22, 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+    xcb_map_window(bar.connection().get(), socket);
+    bar.connection().sync();
+    X11Victim icon({0, 0, 22, 22, true});
+    icon.setText("_NET_WM_NAME", "an icon");
+    xcb_reparent_window(icon.connection().get(), icon.window(), socket, 0, 0);
+    ASSERT_TRUE(icon.show());
+    const auto inner = windows->embeddedIn(bar.window());
+    ASSERT_EQ(inner.size(), 1u);
+    EXPECT_EQ(inner.front().number, icon.window());
+    EXPECT_EQ(inner.front().title, "an icon");
+    EXPECT_EQ(inner.front().client.size, (Size{22, 22}));
+    icon.hide();
+    EXPECT_TRUE(windows->embeddedIn(bar.window()).empty());
+    EXPECT_TRUE(windows->embeddedIn(icon.window()).empty());
 }
 
 TEST_F(X11WindowsOnDesktop, TheDesktopsBackgroundIsLeftOut) {

@@ -1,11 +1,8 @@
 #include "linux/x11/X11WindowServer.h"
 
 #include <algorithm>
-#include <array>
-#include <cctype>
-#include <string>
-#include <string_view>
 
+#include "linux/x11/Panels.h"
 #include "linux/x11/ProcessFiles.h"
 
 namespace tarvix {
@@ -16,22 +13,6 @@ constexpr int kOrdinaryLayer = 0;
 constexpr int kDockLayer = 20;
 constexpr int kStatusLayer = 25;
 constexpr const char* kDockOwner = "Dock";
-
-// Programs that are a dock and host no status items.
-constexpr std::array<std::string_view, 4> kDocks{"plank", "cairo-dock", "docky", "latte-dock"};
-
-bool hasType(const X11Window& window, std::string_view type) { return std::ranges::count(window.types, type) > 0; }
-
-bool isDock(const X11Window& window) {
-    std::string name = window.windowClass;
-    std::ranges::transform(name, name.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return std::ranges::count(kDocks, name) > 0;
-}
-
-bool contains(AxRect outer, AxRect inner) {
-    return outer.minX() <= inner.minX() && outer.maxX() >= inner.maxX() && outer.minY() <= inner.minY() &&
-           outer.maxY() >= inner.maxY();
-}
 
 AxRect boundsOf(const X11Window& window) {
     const AxRect visible = window.visible();
@@ -49,20 +30,18 @@ Outcome<std::unique_ptr<X11WindowServer>> X11WindowServer::open(X11Windows& wind
 
 std::optional<std::vector<WindowInfo>> X11WindowServer::onScreenWindows() {
     const auto windows = windows_.onScreen();
-    const auto isPanel = [](const X11Window& w) { return hasType(w, "DOCK"); };
-    const bool hasDock = std::ranges::any_of(windows, [&](const X11Window& w) { return isPanel(w) && isDock(w); });
+    const auto panels = panelsThatShow(windows);
+    const auto dock = panels.empty() ? std::nullopt : dockProcess(windows, windows_.clients());
 
     std::vector<WindowInfo> result;
-    std::vector<AxRect> fullScreen;  // so far, that is, in front
     for (const X11Window& w : windows) {
-        if (hasType(w, "DESKTOP")) continue;
-        if (w.isFullScreen) fullScreen.push_back(w.client);
+        if (w.hasType("DESKTOP")) continue;
         WindowInfo info{w.number, w.pid, w.windowClass.empty() ? programName(w.pid) : w.windowClass, kOrdinaryLayer,
                         boundsOf(w)};
         if (isPanel(w)) {
-            if (std::ranges::any_of(fullScreen, [&](const AxRect& f) { return contains(f, w.client); })) continue;
-            info.layer = isDock(w) ? kDockLayer : kStatusLayer;
-            if (isDock(w) || !hasDock) info.ownerName = kDockOwner;
+            if (std::ranges::count(panels, w.number, &X11Window::number) == 0) continue;
+            info.layer = isDockProgram(w) ? kDockLayer : kStatusLayer;
+            if (w.pid == dock) info.ownerName = kDockOwner;
         }
         result.push_back(std::move(info));
     }

@@ -9,9 +9,8 @@
 
 namespace tarvix {
 
-// A panel (a window of the type DOCK) has layer 25, since it is what hosts status items. The owner of a program that is
-// a dock and nothing else is "Dock"; on a desktop without one the panels are, for they hold the list of tasks. Panels
-// below a full-screen window aren't on the screen.
+// A panel has layer 25, since it is what hosts status items. The owner of the dock's panels is "Dock". Panels that
+// hide, or are behind another window, aren't on the screen (linux/x11/Panels.h).
 class X11WindowServer final : public WindowServer {
 public:
     // The windows outlive the server.

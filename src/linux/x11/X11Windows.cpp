@@ -1,6 +1,7 @@
 #include "linux/x11/X11Windows.h"
 
 #include <xcb/res.h>
+#include <xcb/shape.h>
 #include <xcb/xcb.h>
 
 #include <algorithm>
@@ -18,6 +19,7 @@ namespace {
 
 constexpr std::uint32_t kIconicState = 3;  // of WM_STATE
 constexpr std::string_view kTypePrefix = "_NET_WM_WINDOW_TYPE_";
+constexpr std::size_t kMostWithin = 2'000;  // windows looked at below one
 
 // The requests about where a window stands.
 struct AskedPlace {
@@ -31,7 +33,7 @@ struct Asked {
     xcb_window_t number;
     AskedPlace place;
     xcb_get_property_cookie_t netName, name, windowClass, gtkExtents, extents, type, state, wmState, pid,
-        gtkApplicationId;
+        gtkApplicationId, iconGeometry;
     xcb_res_query_client_ids_cookie_t clientIds;
 };
 
@@ -47,6 +49,12 @@ std::optional<X11Window::Extents> extentsOf(const std::vector<std::uint32_t>& it
     return X11Window::Extents{at(0), at(1), at(2), at(3)};
 }
 
+std::optional<AxRect> boxOf(const std::vector<std::uint32_t>& items) {
+    if (items.size() < 4) return std::nullopt;
+    const auto at = [&](std::size_t i) { return static_cast<double>(static_cast<std::int32_t>(items[i])); };
+    return AxRect{{at(0), at(1)}, {at(2), at(3)}};
+}
+
 // What was read of the active window stays until an event says that it has changed. The server sends an event before it
 // answers what is asked later, so one round trip brings all that has happened by then.
 class Reader final : public X11Windows {
@@ -55,7 +63,8 @@ public:
         x_->intern({"_NET_ACTIVE_WINDOW", "_NET_CLIENT_LIST_STACKING", "_NET_CLIENT_LIST", "_NET_SUPPORTING_WM_CHECK",
                     "_NET_WM_NAME", "WM_NAME", "WM_CLASS", "_GTK_FRAME_EXTENTS", "_NET_FRAME_EXTENTS",
                     "_NET_WM_WINDOW_TYPE", "_NET_WM_STATE", "WM_STATE", "_NET_WM_PID", "_NET_WM_STATE_FULLSCREEN",
-                    "_NET_WM_STATE_HIDDEN", "_GTK_APPLICATION_ID"});
+                    "_NET_WM_STATE_HIDDEN", "_GTK_APPLICATION_ID", "_NET_WM_ICON_GEOMETRY"});
+        hasShapes_ = x_->extension(xcb_shape_id) != nullptr;
         if (!x_->extension(xcb_res_id)) return;
         const auto version = x_->reply<xcb_res_query_version_reply>(xcb_res_query_version(x_->get(), 1, 2));
         hasClientIds_ = version && version->server_major * 100 + version->server_minor >= 102;
@@ -89,7 +98,26 @@ public:
 
     std::vector<X11Window> onScreen() override {
         const std::lock_guard lock(mutex_);
-        return frontToBack();
+        std::vector<X11Window> windows = frontToBack();
+        addClickable(windows);
+        return windows;
+    }
+
+    std::vector<X11Window> clients() override {
+        const std::lock_guard lock(mutex_);
+        if (!isManagedNow()) return {};
+        std::vector<X11Window> result;
+        for (auto& seen : readAll(x_->items(x_->root(), "_NET_CLIENT_LIST")))
+            if (seen) result.push_back(std::move(seen->window));
+        return result;
+    }
+
+    std::vector<X11Window> embeddedIn(std::uint32_t number) override {
+        const std::lock_guard lock(mutex_);
+        std::vector<X11Window> result;
+        for (auto& seen : readAll(foreignBelow(number)))
+            if (seen && seen->isViewable && !seen->isInputOnly) result.push_back(std::move(seen->window));
+        return result;
     }
 
 private:
@@ -114,6 +142,7 @@ private:
                 x_->askProperty(number, "WM_STATE"),
                 x_->askProperty(number, "_NET_WM_PID"),
                 x_->askProperty(number, "_GTK_APPLICATION_ID"),
+                x_->askProperty(number, "_NET_WM_ICON_GEOMETRY"),
                 hasClientIds_ ? xcb_res_query_client_ids(c, 1, &whose) : xcb_res_query_client_ids_cookie_t{0}};
     }
 
@@ -130,6 +159,7 @@ private:
         w.gtkApplicationId = x_->text(asked.gtkApplicationId).value_or("");
         w.gtkFrameExtents = extentsOf(x_->items(asked.gtkExtents));
         w.frameExtents = extentsOf(x_->items(asked.extents));
+        w.iconGeometry = boxOf(x_->items(asked.iconGeometry));
         for (const xcb_atom_t type : x_->items(asked.type)) w.types.push_back(typeName(type));
         takeState(x_->items(asked.state), x_->items(asked.wmState), w);
         w.pid = takePid(asked);
@@ -256,13 +286,67 @@ private:
         return clients.empty() ? x_->items(x_->root(), "_NET_CLIENT_LIST") : clients;
     }
 
+    // The windows below one that another client has made than their parent, level by level.
+    std::vector<xcb_window_t> foreignBelow(xcb_window_t top) {
+        const std::uint32_t clientBits = ~xcb_get_setup(x_->get())->resource_id_mask;
+        std::vector<xcb_window_t> foreign, level{top};
+        for (std::size_t looked = 0; !level.empty() && looked < kMostWithin; looked += level.size()) {
+            std::vector<xcb_query_tree_cookie_t> asked;
+            asked.reserve(level.size());
+            for (const xcb_window_t each : level) asked.push_back(xcb_query_tree(x_->get(), each));
+            std::vector<xcb_window_t> below;
+            for (std::size_t i = 0; i < level.size(); ++i) {
+                const auto tree = x_->reply<xcb_query_tree_reply>(asked[i]);
+                if (!tree) continue;
+                const xcb_window_t* children = xcb_query_tree_children(tree.get());
+                for (int c = 0; c < xcb_query_tree_children_length(tree.get()); ++c) {
+                    below.push_back(children[c]);
+                    if ((children[c] & clientBits) != (level[i] & clientBits)) foreign.push_back(children[c]);
+                }
+            }
+            level = std::move(below);
+        }
+        return foreign;
+    }
+
+    AxRect rootBox() const {
+        return {{0, 0}, {double(x_->screen().width_in_pixels), double(x_->screen().height_in_pixels)}};
+    }
+
+    void addClickable(std::vector<X11Window>& windows) {
+        std::vector<X11Window*> panels;
+        for (X11Window& each : windows)
+            if (each.hasType("DOCK")) panels.push_back(&each);
+        std::vector<xcb_shape_get_rectangles_cookie_t> asked;
+        for (const X11Window* each : panels)
+            if (hasShapes_) asked.push_back(xcb_shape_get_rectangles(x_->get(), each->number, XCB_SHAPE_SK_INPUT));
+        for (std::size_t i = 0; i < panels.size(); ++i) {
+            X11Window& panel = *panels[i];
+            AxRect takesClicks = panel.client;
+            if (hasShapes_)
+                if (const auto shape = x_->reply<xcb_shape_get_rectangles_reply>(asked[i]))
+                    takesClicks = intersection(panel.client, boxAround(*shape, panel.client.origin));
+            panel.clickable = intersection(takesClicks, rootBox());
+        }
+    }
+
+    static AxRect boxAround(const xcb_shape_get_rectangles_reply_t& shape, AxPoint origin) {
+        const xcb_rectangle_t* rectangles = xcb_shape_get_rectangles_rectangles(&shape);
+        double left = 0, top = 0, right = 0, bottom = 0;
+        for (int i = 0; i < xcb_shape_get_rectangles_rectangles_length(&shape); ++i) {
+            const xcb_rectangle_t& r = rectangles[i];
+            left = i == 0 ? r.x : std::min(left, double(r.x));
+            top = i == 0 ? r.y : std::min(top, double(r.y));
+            right = i == 0 ? r.x + r.width : std::max(right, double(r.x + r.width));
+            bottom = i == 0 ? r.y + r.height : std::max(bottom, double(r.y + r.height));
+        }
+        return {{origin.x + left, origin.y + top}, {right - left, bottom - top}};
+    }
+
     // The server makes windows of its own, such as the overlay of a compositor; they show nothing of an application.
     bool isServers(xcb_window_t number) const { return (number & ~xcb_get_setup(x_->get())->resource_id_mask) == 0; }
 
-    bool touchesRoot(const X11Window& w) const {
-        const AxRect root{{0, 0}, {double(x_->screen().width_in_pixels), double(x_->screen().height_in_pixels)}};
-        return intersects(w.client, root);
-    }
+    bool touchesRoot(const X11Window& w) const { return intersects(w.client, rootBox()); }
 
     std::vector<X11Window> frontToBack() {
         const auto clients = isManagedNow() ? clientWindows() : std::vector<xcb_window_t>{};
@@ -311,6 +395,7 @@ private:
     std::mutex mutex_;
     std::unique_ptr<X11Connection> x_;
     bool hasClientIds_ = false;
+    bool hasShapes_ = false;
     Seen kept_;
     bool isKept_ = false;
     std::optional<bool> isManaged_;

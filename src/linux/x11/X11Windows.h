@@ -1,10 +1,12 @@
 // The top-level windows of the X server: which is active, whose they are, where they stand.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "base/Geometry.h"
@@ -31,6 +33,12 @@ struct X11Window {
     bool isFullScreen = false;
     bool isMinimized = false;
     bool isOverrideRedirect = false;
+    std::optional<AxRect> iconGeometry;  // where a panel shows the button of this window (_NET_WM_ICON_GEOMETRY)
+    // Only of a window of the type DOCK, and only in onScreen(): the box around what of it takes clicks and is on the
+    // screen; null where nothing is. Docks let the clicks through where they show nothing.
+    AxRect clickable = AxRect::null();
+
+    bool hasType(std::string_view type) const { return std::ranges::count(types, type) > 0; }
 
     // What the user sees as the window: the client without its own shadow.
     AxRect visible() const {
@@ -54,6 +62,12 @@ public:
     virtual std::optional<X11Window> window(std::uint32_t number) = 0;
     // All viewable client windows and viewable override-redirect windows, front to back.
     virtual std::vector<X11Window> onScreen() = 0;
+    // All client windows, those that are minimised or on another workspace too, in the order in which they came. Empty
+    // without a window manager.
+    virtual std::vector<X11Window> clients() = 0;
+    // The viewable windows of other clients that live somewhere within a window, such as the icons of a tray; each
+    // before those within itself.
+    virtual std::vector<X11Window> embeddedIn(std::uint32_t number) = 0;
 };
 
 }  // namespace tarvix
