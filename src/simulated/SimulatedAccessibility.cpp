@@ -1,6 +1,7 @@
 #include "simulated/SimulatedAccessibility.h"
 
 #include <algorithm>
+#include <iterator>
 #include <stdexcept>
 #include <utility>
 
@@ -120,7 +121,7 @@ UIElement SimulatedAccessibility::addWindow(std::int32_t pid, const SimulatedEle
     Node& application = applicationNode(pid);
     const Id id = insert(idOfApplication(pid), pid, window);
     nodes_.at(id).windowNumber = windowNumber;
-    if (application.children.empty())
+    if (windowsAmong(application.children).empty())
         for (const std::string_view name : {ax::focusedWindow, ax::mainWindow})
             application.attributes[std::string(name)] = {AxStatus::success, handle(id)};
     application.children.push_back(id);
@@ -295,7 +296,7 @@ AxResult<AxValue> SimulatedAccessibility::ordinaryValue(const Node& node, std::s
     if (name == ax::position) return {AxStatus::success, node.frame.origin};
     if (name == ax::size) return {AxStatus::success, node.frame.size};
     if (name == ax::parent && node.parent != 0) return {AxStatus::success, handle(node.parent)};
-    if (name == ax::visibleChildren || name == ax::childrenInNavigationOrder ||
+    if (name == ax::visibleChildren || name == ax::childrenInNavigationOrder || name == ax::children ||
         (isRows(name) && (node.role == "AXTable" || node.role == "AXOutline")))
         return {AxStatus::success, handles(node.children)};
     return {AxStatus::attributeUnsupported, {}};
@@ -304,7 +305,16 @@ AxResult<AxValue> SimulatedAccessibility::ordinaryValue(const Node& node, std::s
 AxResult<AxValue> SimulatedAccessibility::valueOf(Id id, std::string_view name) const {
     const Node& of = nodes_.at(id);
     const auto stated = of.attributes.find(name);
-    return stated == of.attributes.end() ? ordinaryValue(of, name) : stated->second;
+    if (stated != of.attributes.end()) return stated->second;
+    return id < 0 && name == ax::windows ? AxResult<AxValue>{AxStatus::success, handles(windowsAmong(of.children))}
+                                         : ordinaryValue(of, name);
+}
+
+std::vector<SimulatedAccessibility::Id> SimulatedAccessibility::windowsAmong(const std::vector<Id>& ids) const {
+    std::vector<Id> windows;
+    std::copy_if(ids.begin(), ids.end(), std::back_inserter(windows),
+                 [&](Id each) { return nodes_.at(each).windowNumber.has_value(); });
+    return windows;
 }
 
 AxResult<AxValue> SimulatedAccessibility::attribute(const UIElement& element, std::string_view name) {

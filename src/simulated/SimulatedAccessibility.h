@@ -35,8 +35,9 @@ struct SimulatedElement {
 // Any thread, so that a walk may run in the background while the test changes the tree.
 //
 // An element answers "AXRole" and "AXTitle" unless empty, "AXPosition", "AXSize", "AXParent", its children under
-// "AXVisibleChildren" and "AXChildrenInNavigationOrder", and as a table or an outline also under "AXVisibleRows" and
-// "AXRows"; any other name is attributeUnsupported. set() and setStatus() go before all that.
+// "AXChildren", "AXVisibleChildren" and "AXChildrenInNavigationOrder", and as a table or an outline also under
+// "AXVisibleRows" and "AXRows"; an application its windows under "AXWindows". Any other name is attributeUnsupported.
+// set() and setStatus() go before all that.
 //
 // Can fail, with cannotComplete or an absence: attribute, attributes, parameterizedAttribute, elementAt, perform,
 // setAttribute, pid, windowNumber.
@@ -159,6 +160,7 @@ private:
     AxStatus strike(std::string_view operation, Id id);
     AxStatus strikeRead(std::string_view operation, const UIElement& element, std::vector<std::string> names);
     AxResult<AxValue> valueOf(Id id, std::string_view name) const;
+    std::vector<Id> windowsAmong(const std::vector<Id>& ids) const;
     Id innermostAt(Id id, AxPoint point) const;
 
     Journal& journal_;

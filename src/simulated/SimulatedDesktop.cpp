@@ -7,7 +7,8 @@ namespace tarvix {
 namespace {
 
 constexpr std::uint32_t kShiftState = 2, kOptionState = 8;
-constexpr int kOrdinaryLayer = 0;
+constexpr int kOrdinaryLayer = 0, kDockLayer = 20, kStatusItemLayer = 25;
+constexpr AxRect kMenuBarFrame = {{0, 0}, {1600, 24}}, kDockFrame = {{400, 940}, {800, 60}};
 
 // The characters of a UTF-8 text.
 std::vector<std::string> charactersOf(std::string_view text) {
@@ -56,9 +57,15 @@ Platform SimulatedDesktop::platform() {
 }
 
 std::int32_t SimulatedDesktop::launch(const std::string& name, const std::optional<std::string>& bundleIdentifier) {
+    const std::int32_t pid = launchInBackground(name, bundleIdentifier);
+    activate(pid);
+    return pid;
+}
+
+std::int32_t SimulatedDesktop::launchInBackground(const std::string& name,
+                                                  const std::optional<std::string>& bundleIdentifier) {
     const std::int32_t pid = ++lastPid_;
     workspace.launch({pid, bundleIdentifier.value_or("org.example." + name), name});
-    activate(pid);
     return pid;
 }
 
@@ -76,6 +83,39 @@ SimulatedWindow SimulatedDesktop::addWindow(std::int32_t pid, const std::string&
                                    .attributes = {{std::string(ax::fullScreen), false}}};
     windowServer.add({number, pid, workspace.runningApplication(pid)->localizedName, kOrdinaryLayer, frame});
     return {&accessibility, pid, number, accessibility.addWindow(pid, element, number)};
+}
+
+SimulatedWindow SimulatedDesktop::addSurface(std::int32_t pid, AxRect frame, int layer,
+                                             const SimulatedElement& container) {
+    const std::uint32_t number = ++lastWindow_;
+    windowServer.add({number, pid, workspace.runningApplication(pid)->localizedName, layer, frame});
+    return {&accessibility, pid, number, accessibility.add(accessibility.addApplication(pid), container)};
+}
+
+UIElement SimulatedDesktop::addMenuBar(std::int32_t pid, const std::vector<SimulatedElement>& items) {
+    const UIElement owner = accessibility.addApplication(pid);
+    const UIElement bar = accessibility.add(owner, {.role = "AXMenuBar", .frame = kMenuBarFrame, .children = items});
+    accessibility.set(owner, ax::menuBar, bar);
+    return bar;
+}
+
+SimulatedWindow SimulatedDesktop::addStatusItems(std::int32_t pid, const std::vector<SimulatedElement>& items) {
+    const SimulatedWindow bar = addSurface(pid, kMenuBarFrame, kStatusItemLayer,
+                                           {.role = "AXMenuBar", .frame = kMenuBarFrame, .children = items});
+    accessibility.set(accessibility.application(pid), ax::extrasMenuBar, bar.element);
+    return bar;
+}
+
+SimulatedWindow SimulatedDesktop::addNotification(AxRect frame, const std::vector<SimulatedElement>& children) {
+    if (!notifications_) notifications_ = launchInBackground("Notification Center", "com.apple.notificationcenterui");
+    SimulatedWindow window = addWindow(*notifications_, "", frame);
+    for (const SimulatedElement& child : children) window.add(child);
+    return window;
+}
+
+SimulatedWindow SimulatedDesktop::addDock(const std::vector<SimulatedElement>& items) {
+    return addSurface(launchInBackground("Dock", "com.apple.dock"), kDockFrame, kDockLayer,
+                      {.role = "AXList", .frame = kDockFrame, .children = items});
 }
 
 void SimulatedDesktop::activate(std::optional<std::int32_t> pid) {

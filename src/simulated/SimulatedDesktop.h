@@ -50,6 +50,20 @@ public:
     // One more window of a running application, in front of all others but neither its main nor its focused one.
     SimulatedWindow addWindow(std::int32_t pid, const std::string& title, AxRect frame);
 
+    // --- What is on the desktop beside those windows.
+
+    // A process that never becomes frontmost.
+    std::int32_t launchInBackground(const std::string& name,
+                                    const std::optional<std::string>& bundleIdentifier = std::nullopt);
+    // The menu bar of an application, which shows while status items do.
+    UIElement addMenuBar(std::int32_t pid, const std::vector<SimulatedElement>& items);
+    // Status items of an application, on a window in their layer.
+    SimulatedWindow addStatusItems(std::int32_t pid, const std::vector<SimulatedElement>& items);
+    // A notification's window; the first one launches the process that shows them.
+    SimulatedWindow addNotification(AxRect frame, const std::vector<SimulatedElement>& children);
+    // The process of the dock with its row of items, on a window of its own.
+    SimulatedWindow addDock(const std::vector<SimulatedElement>& items);
+
     // Makes an application frontmost and gives it the accessibility focus. Nothing: no application is either.
     void activate(std::optional<std::int32_t> pid);
 
@@ -90,12 +104,14 @@ public:
     SimulatedMilestones milestones;
 
 private:
+    SimulatedWindow addSurface(std::int32_t pid, AxRect frame, int layer, const SimulatedElement& container);
     bool panelHasKeyboard() const;
     std::string keyboardsOwner(const KeyEvent& event) const;
     void deliver(const KeyEvent& event);
     void typeCharacter(const std::string& character);
     std::string typed(const KeyEvent& event);
 
+    std::optional<std::int32_t> notifications_;  // the process that shows them
     std::int32_t lastPid_ = 100;
     std::uint32_t lastWindow_ = 0;
 };
