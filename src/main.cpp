@@ -154,6 +154,7 @@ int run(std::unique_ptr<X11Windows> windows, const QProcessEnvironment& environm
     QtScreenReader screenReader;
     workspace->setScreenReader({[&] { return screenReader.isRunning(); },
                                 [&](std::string_view text, int priority) { screenReader.announce(text, priority); }});
+    workspace->setRole("com.apple.notificationcenterui", [&] { return accessibility->notificationProcesses(); });
     DesktopAppearanceSources appearances(*connection, environment);
     QtPanels panels({*keyboard, *screens, milestones, appearances.together});
     connection->watch(runLoop);

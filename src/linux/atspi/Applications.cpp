@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "linux/atspi/Replies.h"
+#include "linux/atspi/Sandbox.h"
 
 namespace tarvix::atspi {
 
@@ -134,6 +135,20 @@ std::optional<Toolkit> Applications::toolkitOf(sd_bus* bus, const Reference& roo
 }
 
 std::vector<Application> Applications::ofProcess(std::int32_t pid, Clock::time_point deadline) {
+    const std::optional<std::string> sandbox = flatpakInstance(pid);
+    return whose([&](std::int32_t each) { return each == pid || (sandbox && flatpakInstance(each) == sandbox); },
+                 deadline);
+}
+
+std::vector<Application> Applications::ofOthers(const std::vector<std::int32_t>& pids, Clock::time_point deadline) {
+    std::vector<Application> found =
+        whose([&](std::int32_t each) { return std::ranges::count(pids, each) == 0; }, deadline);
+    std::erase_if(found, [this](const Application& each) { return isWary(each.bus); });
+    return found;
+}
+
+std::vector<Application> Applications::whose(const std::function<bool(std::int32_t pid)>& isWanted,
+                                             Clock::time_point deadline) {
     std::optional<Lease> lease = connectOverBus();
     if (!lease) return {};
     const Message reply = callBlocking(lease->bus(), "org.a11y.atspi.Registry", "/org/a11y/atspi/accessible/root",
@@ -146,9 +161,10 @@ std::vector<Application> Applications::ofProcess(std::int32_t pid, Clock::time_p
     forgetOthers(present);
     std::vector<Application> found;
     for (const Reference& each : present) {
-        if (pidOf(lease->bus(), each.bus) != pid) continue;
+        const std::optional<std::int32_t> pid = pidOf(lease->bus(), each.bus);
+        if (!pid || !isWanted(*pid)) continue;
         if (const auto toolkit = toolkitOf(lease->bus(), each, firstAnswerBy(each.bus, deadline)))
-            found.push_back({each.bus, each.path, pid, *toolkit});
+            found.push_back({each.bus, each.path, *pid, *toolkit});
     }
     return found;
 }
@@ -243,6 +259,12 @@ void Applications::noteContact(const std::string& bus, Tree tree) {
 void Applications::noteTimeout(const std::string& bus) {
     const std::lock_guard lock(mutex_);
     known_[bus].timeout = Clock::now();
+}
+
+bool Applications::isWary(const std::string& bus) {
+    const std::lock_guard lock(mutex_);
+    const auto& timeout = known_[bus].timeout;
+    return timeout && Clock::now() - *timeout < kWary;
 }
 
 Clock::time_point Applications::firstAnswerBy(const std::string& bus, Clock::time_point deadline) {

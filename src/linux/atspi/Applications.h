@@ -58,7 +58,10 @@ public:
 
     // The applications that a process has on the bus, mostly one; empty when it shows none or there is no bus. One that
     // doesn't answer is none.
+    // A process in a sandbox has those that come through the sandbox's own door to the bus.
     std::vector<Application> ofProcess(std::int32_t pid, Clock::time_point deadline);
+    // Those of all other processes, but for any that has let a deadline pass of late.
+    std::vector<Application> ofOthers(const std::vector<std::int32_t>& pids, Clock::time_point deadline);
 
     // A connection on which this application's objects can be called: to the application itself where it offers that,
     // else over the bus. Absent when neither can be had.
@@ -100,6 +103,8 @@ private:
     std::optional<std::int32_t> pidOf(sd_bus* bus, const std::string& name);
     std::optional<Toolkit> toolkitOf(sd_bus* bus, const Reference& root, Clock::time_point deadline);
     std::string addressOf(const Application& application, Milliseconds limit);
+    std::vector<Application> whose(const std::function<bool(std::int32_t pid)>& isWanted, Clock::time_point deadline);
+    bool isWary(const std::string& bus);
     void forgetOthers(const std::vector<Reference>& present);
 
     std::mutex mutex_;  // guards everything below; never held during a call to an application

@@ -200,31 +200,48 @@ AtspiService::FoundInTree AtspiService::findInTree(const AtspiElement& of) {
 }
 
 std::vector<UIElement> AtspiService::windowsOf(std::int32_t pid) {
-    std::vector<UIElement> found;
-    for (const X11Window& window : windows_.onScreen())
-        if (window.pid == pid) found.push_back(windowElement(window));
-    return found;
+    std::vector<X11Window> windows = windows_.onScreen();
+    std::erase_if(windows, [pid](const X11Window& each) { return each.pid != pid; });
+    if (!windows.empty() && notificationDaemon_.pid() == pid) windows = notificationsAmong(std::move(windows));
+    std::vector<UIElement> elements;
+    for (const X11Window& window : windows) elements.push_back(windowElement(window));
+    return elements;
 }
 
+std::vector<std::int32_t> AtspiService::notificationProcesses() {
+    const std::optional<std::int32_t> pid = notificationDaemon_.pid();
+    return pid ? std::vector{*pid} : std::vector<std::int32_t>();
+}
+
+SharedFetches::Tree AtspiService::fetchFor(SharedFetches::Reader reader, const X11Window& window) {
+    return fetches_.fetch(reader, window.number, [&]() -> SharedFetches::Tree {
+        FetchOptions options;
+        options.screen = &windows_;
+        std::optional<WindowTree> tree = fetchWindow(applications_, window, options);
+        return tree ? std::make_shared<const WindowTree>(std::move(*tree)) : nullptr;
+    });
+}
+
+// The menu bar is in the window, which the walk reads at the same time.
 std::optional<Surface> AtspiService::surfaceOf(std::int32_t pid, std::string_view attribute) {
     if (attribute != ax::menuBar) return std::nullopt;
     const std::optional<X11Window> window = windowOf(pid);
-    FetchOptions options;
-    options.screen = &windows_;
-    std::optional<WindowTree> tree = window ? fetchWindow(applications_, *window, options) : std::nullopt;
+    const SharedFetches::Tree tree = window ? fetchFor(SharedFetches::Reader::menuBar, *window) : nullptr;
     const std::optional<int> menuBar = tree ? menuBarIn(tree->nodes) : std::nullopt;
     if (!menuBar) return std::nullopt;
-    return Surface{std::make_shared<TreeReads>(std::move(*tree), *window), *menuBar};
+    return Surface{std::make_shared<TreeReads>(tree, *window), *menuBar};
 }
 
 std::unique_ptr<AccessibilityReads> AtspiService::readAhead(const UIElement& root) {
-    if (const AtspiElement& of = identityOf(root); of.kind == AtspiElement::Kind::application)
+    const AtspiElement& of = identityOf(root);
+    if (of.kind == AtspiElement::Kind::application)
         return std::make_unique<ApplicationReads>(ApplicationReads::Sources{
             [this, pid = of.pid](std::string_view attribute) { return surfaceOf(pid, attribute); },
             [this, pid = of.pid] { return windowsOf(pid); }});
-    FetchOptions options;
-    options.screen = &windows_;
-    return readAhead(root, options, nullptr);
+    const std::optional<X11Window> window = windows_.window(of.window);
+    const SharedFetches::Tree tree = window ? fetchFor(SharedFetches::Reader::walk, *window) : nullptr;
+    if (!tree) return std::make_unique<NoReads>();
+    return std::make_unique<TreeReads>(tree, *window);
 }
 
 std::unique_ptr<AccessibilityReads> AtspiService::readAhead(const UIElement& root, const FetchOptions& options,
@@ -246,7 +263,7 @@ AxResult<AxValue> AtspiService::parameterizedAttribute(const UIElement& element,
     const std::optional<X11Window> window = windows_.window(of.window);
     if (!window) return {AxStatus::invalidElement, {}};
     const Clock::time_point deadline = Clock::now() + kSingleRead;
-    const std::optional<FrameFound> frame = findFrame(applications_, *window, deadline);
+    const std::optional<FrameFound> frame = findFrame(applications_, *window, &windows_, deadline);
     std::optional<Lease> lease = frame ? applications_.connect(frame->application, deadline) : std::nullopt;
     if (!lease) return {AxStatus::cannotComplete, {}};
     Pipeline pipeline(lease->bus(), deadline);
@@ -277,7 +294,7 @@ AxResult<std::optional<UIElement>> AtspiService::elementAt(AxPoint point) {
     });
     if (hit == windows.end()) return {AxStatus::noValue, std::nullopt};
     const Clock::time_point deadline = Clock::now() + kAtPoint;
-    const std::optional<FrameFound> frame = findFrame(applications_, *hit, deadline);
+    const std::optional<FrameFound> frame = findFrame(applications_, *hit, &windows_, deadline);
     std::optional<Lease> lease = frame ? applications_.connect(frame->application, deadline) : std::nullopt;
     if (!lease) return {AxStatus::cannotComplete, std::nullopt};
     const Placement placement = place(frame->application.toolkit, *hit, frame->box);
@@ -361,7 +378,8 @@ bool AtspiService::contact(std::int32_t pid) {
     listening_.keep();
     if (isAwake(pid)) return true;
     const std::optional<X11Window> window = windowOf(pid);
-    const std::optional<WindowTree> tree = window ? fetchWindow(applications_, *window, {}) : std::nullopt;
+    const std::optional<WindowTree> tree =
+        window ? fetchWindow(applications_, *window, {.screen = &windows_}) : std::nullopt;
     if (!tree || !applications_.wasContacted(tree->application.bus)) return false;
     const std::lock_guard lock(awakeMutex_);
     awake_[pid] = tree->application.bus;

@@ -11,6 +11,8 @@
 #include "linux/atspi/ApplicationReads.h"
 #include "linux/atspi/Applications.h"
 #include "linux/atspi/Listening.h"
+#include "linux/atspi/NotificationDaemon.h"
+#include "linux/atspi/SharedFetches.h"
 #include "linux/atspi/Waker.h"
 #include "linux/atspi/WindowFetch.h"
 #include "linux/x11/X11Windows.h"
@@ -57,6 +59,10 @@ public:
     // ax::manualAccessibility of an application is the same; the former reads true once the tree is there.
     void wake(std::int32_t pid) { waker_.wake(pid); }
 
+    // The process that shows notifications, if any: its windows are those of them that are on the screen. Any thread;
+    // asks the session bus, for a tenth of a second at most.
+    std::vector<std::int32_t> notificationProcesses();
+
     // The same reading with other options than a search's, for the benchmark.
     std::unique_ptr<AccessibilityReads> readAhead(const UIElement& root, const atspi::FetchOptions& options,
                                                   atspi::WindowTree* fetched);
@@ -78,11 +84,14 @@ private:
     AxResult<AxValue> focusedIn(const std::optional<X11Window>& window);
     std::optional<atspi::Surface> surfaceOf(std::int32_t pid, std::string_view attribute);
     std::vector<UIElement> windowsOf(std::int32_t pid);
+    atspi::SharedFetches::Tree fetchFor(atspi::SharedFetches::Reader reader, const X11Window& window);
     std::optional<X11Window> windowOf(std::int32_t pid);
     UIElement windowElement(const X11Window& window) const;
 
     X11Windows& windows_;
     atspi::Applications applications_;
+    atspi::SharedFetches fetches_;
+    atspi::NotificationDaemon notificationDaemon_;
     std::mutex awakeMutex_;                      // guards the next one
     std::map<std::int32_t, std::string> awake_;  // the name on the bus under which a process' tree was complete
     atspi::Listening listening_;                 // of the waker's thread

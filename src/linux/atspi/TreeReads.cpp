@@ -35,14 +35,14 @@ std::optional<AxValue> windowAttribute(const X11Window& window, std::string_view
     return std::nullopt;
 }
 
-TreeReads::TreeReads(WindowTree tree, X11Window window)
+TreeReads::TreeReads(std::shared_ptr<const WindowTree> tree, X11Window window)
     : tree_(std::move(tree)), window_(std::move(window)), number_(nextNumber()) {}
 
 UIElement TreeReads::elementOf(int node) const {
     auto identity = std::make_shared<AtspiElement>();
-    const Node& of = tree_.nodes[static_cast<std::size_t>(node)];
+    const Node& of = tree_->nodes[static_cast<std::size_t>(node)];
     identity->kind = node == 0 ? AtspiElement::Kind::window : AtspiElement::Kind::object;
-    identity->pid = tree_.application.pid;
+    identity->pid = window_.pid;
     identity->window = window_.number;
     identity->reference = of.reference;
     identity->synthetic = of.synthetic;
@@ -53,22 +53,22 @@ UIElement TreeReads::elementOf(int node) const {
 
 const Node* TreeReads::nodeOf(const UIElement& element) const {
     const AtspiElement& identity = identityOf(element);
-    if (identity.kind == AtspiElement::Kind::window && identity.window == window_.number && !tree_.nodes.empty())
-        return &tree_.nodes.front();
+    if (identity.kind == AtspiElement::Kind::window && identity.window == window_.number && !tree_->nodes.empty())
+        return &tree_->nodes.front();
     if (identity.tree != number_ || identity.node < 0) return nullptr;
-    return &tree_.nodes[static_cast<std::size_t>(identity.node)];
+    return &tree_->nodes[static_cast<std::size_t>(identity.node)];
 }
 
 std::vector<UIElement> TreeReads::childrenOf(const Node& node) const {
     std::vector<UIElement> children;
     children.reserve(node.children.size());
     for (const int child : node.children)
-        if (tree_.nodes[static_cast<std::size_t>(child)].shows) children.push_back(elementOf(child));
+        if (tree_->nodes[static_cast<std::size_t>(child)].shows) children.push_back(elementOf(child));
     return children;
 }
 
 AxResult<AxValue> TreeReads::read(const Node& node, std::string_view name) const {
-    const bool isWindow = &node == &tree_.nodes.front();
+    const bool isWindow = &node == &tree_->nodes.front();
     if (isWindow)
         if (std::optional<AxValue> known = windowAttribute(window_, name))
             return {AxStatus::success, std::move(*known)};

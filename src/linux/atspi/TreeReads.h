@@ -11,19 +11,22 @@
 
 namespace tarvix::atspi {
 
-// The reads of one walk over one tree, for one thread. The window's own position and size are the X server's.
+// The reads of one walk over one tree, for one thread; the tree itself may be read by several. The window's own
+// position and size are the X server's.
 class TreeReads : public AccessibilityReads {
 public:
-    TreeReads(WindowTree tree, X11Window window);
+    TreeReads(std::shared_ptr<const WindowTree> tree, X11Window window);
+    TreeReads(WindowTree tree, X11Window window)
+        : TreeReads(std::make_shared<const WindowTree>(std::move(tree)), std::move(window)) {}
 
     AxResult<AxValue> attribute(const UIElement& element, std::string_view name) override;
     AxResult<std::vector<AxValue>> attributes(const UIElement& element,
                                               std::span<const std::string_view> names) override;
 
-    std::size_t calls() const { return tree_.calls; }
+    std::size_t calls() const { return tree_->calls; }
     // The handle of a node; the window's own for index 0.
     UIElement elementOf(int node) const;
-    const NodeTree& nodes() const { return tree_.nodes; }
+    const NodeTree& nodes() const { return tree_->nodes; }
     bool holds(const UIElement& element) const { return nodeOf(element) != nullptr; }
 
 private:
@@ -31,7 +34,7 @@ private:
     AxResult<AxValue> read(const Node& node, std::string_view name) const;
     std::vector<UIElement> childrenOf(const Node& node) const;
 
-    WindowTree tree_;
+    std::shared_ptr<const WindowTree> tree_;
     X11Window window_;
     std::uint64_t number_;
 };

@@ -1,9 +1,10 @@
 #include "linux/atspi/WindowFetch.h"
 
 #include <algorithm>
-#include <cmath>
+#include <deque>
 #include <thread>
 
+#include "linux/atspi/FrameMatching.h"
 #include "linux/atspi/Replies.h"
 #include "linux/atspi/TreeFetch.h"
 
@@ -15,14 +16,12 @@ constexpr const char* kAccessible = "org.a11y.atspi.Accessible";
 constexpr Milliseconds kFirstContact{2000};  // a browser makes its tree within that
 constexpr Milliseconds kBetweenReads{60};
 constexpr int kSteady = 3;
-constexpr std::size_t kBareFrame = 8;  // what a browser shows before its tree is made
+constexpr Milliseconds kStrangers{150};  // for a look at all of them
+constexpr std::size_t kBareFrame = 8;    // what a browser shows before its tree is made
 
 struct FrameCandidate {
     Reference reference;
-    std::string name;
-    Role role = Role::invalid;
-    std::uint64_t states = 0;
-    std::optional<RawBox> box;
+    FrameTraits traits;
 };
 
 Call callTo(const Lease& lease, const Reference& to, const char* interface, const char* member) {
@@ -35,68 +34,103 @@ Call callTo(const Lease& lease, const Reference& to, const char* interface, cons
 }
 
 void askFrame(Pipeline& pipeline, const Lease& lease, Toolkit toolkit, FrameCandidate& frame) {
-    const auto state = [&frame](sd_bus_message* r) { frame.states = readStates(r).value_or(0); };
-    pipeline.send(callTo(lease, frame.reference, kAccessible, "GetState"), state);
-    pipeline.send(callTo(lease, frame.reference, kAccessible, "GetRole"),
-                  [&frame](sd_bus_message* r) { frame.role = static_cast<Role>(readUnsigned(r).value_or(0)); });
+    FrameTraits& traits = frame.traits;
+    pipeline.send(callTo(lease, frame.reference, kAccessible, "GetState"), [&traits](sd_bus_message* r) {
+        const std::uint64_t states = readStates(r).value_or(0);
+        traits.isActive = (states >> static_cast<unsigned>(State::active) & 1U) != 0;
+        traits.isShowing = (states >> static_cast<unsigned>(State::showing) & 1U) != 0;
+    });
+    pipeline.send(callTo(lease, frame.reference, kAccessible, "GetRole"), [&traits, toolkit](sd_bus_message* r) {
+        traits.role = static_cast<Role>(readUnsigned(r).value_or(0));
+        // GTK 3 lists the windows of open menus beside the frames, and calls the topmost of them active.
+        traits.isPopup = toolkit == Toolkit::gtk3 && traits.role == Role::window;
+    });
     Call name = callTo(lease, frame.reference, "org.freedesktop.DBus.Properties", "Get");
     name.signature = "ss";
     name.texts[0] = kAccessible;
     name.texts[1] = "Name";
-    pipeline.send(std::move(name), [&frame](sd_bus_message* r) { frame.name = readVariantText(r).value_or(""); });
+    pipeline.send(std::move(name), [&traits](sd_bus_message* r) { traits.title = readVariantText(r).value_or(""); });
     Call box = callTo(lease, frame.reference, "org.a11y.atspi.Component", "GetExtents");
     box.signature = "u";
     box.integers[0] = static_cast<std::int32_t>(coordinatesOf(toolkit));
-    pipeline.send(std::move(box), [&frame](sd_bus_message* r) { frame.box = readBox(r); });
+    traits.isPlaced = coordinatesOf(toolkit) == Coordinates::screen;
+    pipeline.send(std::move(box), [&traits](sd_bus_message* r) { traits.box = readBox(r); });
 }
 
-// GTK 3 lists the windows of open menus beside the frames, and calls the topmost of them active.
-bool isPopup(Toolkit toolkit, const FrameCandidate& frame) {
-    return toolkit == Toolkit::gtk3 && frame.role == Role::window;
+bool isOpen(const FrameTraits& popup) {
+    return popup.isShowing && popup.box && isSane(*popup.box) && popup.box->width > 0 && popup.box->height > 0;
 }
 
-bool isOpen(const FrameCandidate& popup) {
-    const bool shows = (popup.states >> static_cast<unsigned>(State::showing) & 1U) != 0;
-    return shows && popup.box && isSane(*popup.box) && popup.box->width > 0 && popup.box->height > 0;
-}
+// A window among those that its process has on the screen. They are looked up when it takes them.
+class Surroundings {
+public:
+    Surroundings(const X11Window& window, X11Windows* screen) : window_(window), screen_(screen) {}
 
-// How surely this accessible frame is that window. Sizes differ by the shadow or the decoration, which some toolkits
-// count in and some don't.
-int likeness(const FrameCandidate& frame, const X11Window& window) {
-    if (!frame.box) return -1;
-    const AxRect seen = window.visible();
-    const auto near = [](double a, double b) { return std::abs(a - b) <= 2; };
-    int score = 0;
-    if ((frame.states >> static_cast<unsigned>(State::active) & 1U) != 0) score += 4;
-    if (!window.title.empty() && frame.name == window.title) score += 3;
-    if ((near(frame.box->width, window.client.size.width) && near(frame.box->height, window.client.size.height)) ||
-        (near(frame.box->width, seen.size.width) && near(frame.box->height, seen.size.height)))
-        score += 2;
-    if ((frame.states >> static_cast<unsigned>(State::showing) & 1U) != 0) score += 1;
-    return score;
-}
+    const X11Window& window() const { return window_; }
 
-std::optional<FrameFound> findFrameOn(const Application& application, Lease& lease, Pipeline& pipeline,
-                                      const X11Window& window) {
-    std::vector<FrameCandidate> frames;
+    // Those of its process, itself included. A window that isn't on the screen is there all the same.
+    const std::vector<WindowTraits>& ofProcess() {
+        if (!ofProcess_.empty()) return ofProcess_;
+        const std::optional<X11Window> active = screen_ ? screen_->active() : std::nullopt;
+        const auto add = [&](const X11Window& each) {
+            ofProcess_.push_back({each, screen_ ? active && active->number == each.number : true});
+        };
+        add(window_);
+        if (screen_)
+            for (const X11Window& each : screen_->onScreen())
+                if (each.pid == window_.pid && each.number != window_.number) add(each);
+        return ofProcess_;
+    }
+
+    // Whether menus and lists that are open in its process are its own: they are those of the window with the keyboard.
+    bool hasPopups() {
+        const auto& all = ofProcess();
+        return all.front().isActive || std::ranges::none_of(all, &WindowTraits::isActive);
+    }
+
+    // The process ids of all that shows a window.
+    std::vector<std::int32_t> owners() const {
+        std::vector<std::int32_t> owners;
+        if (screen_)
+            for (const X11Window& each : screen_->onScreen()) owners.push_back(each.pid);
+        return owners;
+    }
+
+    bool knowsScreen() const { return screen_ != nullptr; }
+
+private:
+    const X11Window& window_;
+    X11Windows* screen_;
+    std::vector<WindowTraits> ofProcess_;  // itself first; empty: not looked up yet
+};
+
+struct Found {
+    FrameFound frame;
+    Likeness likeness;
+};
+
+enum class Look : std::uint8_t { around, ifNeeded };  // at the other windows of the process
+
+std::optional<Found> findFrameOn(const Application& application, Lease& lease, Pipeline& pipeline,
+                                 Surroundings& surroundings, Look look) {
+    std::deque<FrameCandidate> frames;
     pipeline.send(callTo(lease, {application.bus, application.root}, kAccessible, "GetChildren"),
                   [&](sd_bus_message* r) {
                       for (Reference& each : readReferences(r))
-                          if (!lease.direct() || each.bus == application.bus)
-                              frames.push_back({std::move(each), {}, {}, 0, {}});
+                          if (!lease.direct() || each.bus == application.bus) frames.push_back({std::move(each), {}});
                       for (FrameCandidate& frame : frames) askFrame(pipeline, lease, application.toolkit, frame);
                   });
     pipeline.run();
-    const auto popups = std::stable_partition(frames.begin(), frames.end(), [&](const FrameCandidate& frame) {
-        return !isPopup(application.toolkit, frame);
-    });
-    const auto best = std::max_element(frames.begin(), popups, [&](const FrameCandidate& a, const FrameCandidate& b) {
-        return likeness(a, window) < likeness(b, window);
-    });
-    if (best == popups || likeness(*best, window) < 0) return std::nullopt;
-    FrameFound found{application, best->reference, *best->box, {}};
-    for (auto popup = popups; popup != frames.end(); ++popup)
-        if (isOpen(*popup)) found.popups.push_back(popup->reference);
+    std::vector<FrameTraits> traits;
+    for (const FrameCandidate& frame : frames) traits.push_back(frame.traits);
+    std::optional<FrameMatch> match;
+    if (look == Look::ifNeeded) match = obviousFrameOf(surroundings.window(), traits);
+    if (!match) match = frameOf(0, surroundings.ofProcess(), traits);
+    if (!match) return std::nullopt;
+    Found found{{application, frames[match->frame].reference, *traits[match->frame].box, {}}, match->likeness};
+    for (std::size_t i = 0; i < frames.size(); ++i)
+        if (i != match->frame && traits[i].isPopup && isOpen(traits[i]) && surroundings.hasPopups())
+            found.frame.popups.push_back(frames[i].reference);
     return found;
 }
 
@@ -148,7 +182,9 @@ private:
         Pipeline pipeline(lease.bus(), deadline, options_.mode);
         WindowTree result;
         if (options_.record) pipeline.recordInto(&result.record);
-        const std::optional<FrameFound> frame = findFrameOn(application_, lease, pipeline, window_);
+        Surroundings surroundings(window_, options_.screen);
+        const std::optional<Found> found = findFrameOn(application_, lease, pipeline, surroundings, Look::ifNeeded);
+        const FrameFound* frame = found ? &found->frame : nullptr;
         if (frame) {
             result.application = application_;
             result.placement = place(application_.toolkit, window_, frame->box);
@@ -166,7 +202,7 @@ private:
         isCutOff_ = pipeline.timedOut() || pipeline.lost();
         if (isCutOff_) lease.spoil();
         if (pipeline.timedOut()) applications_.noteTimeout(application_.bus);
-        lastFrame_ = frame;
+        lastFrame_ = frame ? std::optional(frame->reference) : std::nullopt;
         if (!frame) return std::nullopt;
         return result;
     }
@@ -189,7 +225,7 @@ private:
             const std::size_t count = next ? showing(next->nodes) : 0;
             if (lastFrame_) {
                 Pipeline pipeline(lease.bus(), deadline);
-                touch(pipeline, lease, lastFrame_->reference);
+                touch(pipeline, lease, *lastFrame_);
             }
             // The time may be up in the middle of a read; the one before it has more, then.
             if (next && (!last || !isCutOff_ || count > showing(last->nodes))) last = std::move(next);
@@ -205,29 +241,77 @@ private:
     const Application& application_;
     const X11Window& window_;
     const FetchOptions& options_;
-    std::optional<FrameFound> lastFrame_;
+    std::optional<Reference> lastFrame_;
     bool isCutOff_ = false;
     bool grows_ = false;  // at the end of a first contact
 };
 
+std::optional<Found> findFrameOf(Applications& applications, const Application& application, Surroundings& surroundings,
+                                 Look look, Clock::time_point deadline) {
+    std::optional<Lease> lease = applications.connect(application, deadline);
+    if (!lease) return std::nullopt;
+    Pipeline pipeline(lease->bus(), applications.firstAnswerBy(application.bus, deadline));
+    std::optional<Found> found = findFrameOn(application, *lease, pipeline, surroundings, look);
+    if (pipeline.timedOut() || pipeline.lost()) lease->spoil();
+    if (pipeline.timedOut()) applications.noteTimeout(application.bus);
+    return found;
+}
+
+// The frame that is most like the window; of two that are equally like it the first.
+std::optional<Found> surest(Applications& applications, const std::vector<Application>& candidates,
+                            Surroundings& surroundings, Clock::time_point deadline) {
+    std::optional<Found> best;
+    for (const Application& each : candidates) {
+        std::optional<Found> found = findFrameOf(applications, each, surroundings, Look::around, deadline);
+        if (found && (!best || found->likeness.score() > best->likeness.score())) best = std::move(found);
+    }
+    return best;
+}
+
+// The frame of an application that has no window on the screen by its process, if one and only one is the window for
+// all that can be seen.
+std::optional<Found> strangersFrame(Applications& applications, Surroundings& surroundings,
+                                    Clock::time_point deadline) {
+    if (!surroundings.knowsScreen()) return std::nullopt;
+    const Clock::time_point limit = std::min(deadline, Clock::now() + kStrangers);
+    std::optional<Found> best;
+    bool isAlone = true;
+    for (const Application& each : applications.ofOthers(surroundings.owners(), limit)) {
+        std::optional<Found> found = findFrameOf(applications, each, surroundings, Look::around, limit);
+        if (!found || !maySpeakFor(found->likeness)) continue;
+        const int lead = best ? found->likeness.score() - best->likeness.score() : 1;
+        if (lead >= 0) isAlone = lead > 0;
+        if (lead > 0) best = std::move(found);
+    }
+    return isAlone ? best : std::nullopt;
+}
+
+// The applications to look for the window's frame in: that of its process, or, of several, the one that has it.
+std::vector<Application> applicationsOf(Applications& applications, Surroundings& surroundings,
+                                        Clock::time_point deadline) {
+    std::vector<Application> own = applications.ofProcess(surroundings.window().pid, deadline);
+    if (own.size() == 1) return own;
+    const std::optional<Found> found = own.empty() ? strangersFrame(applications, surroundings, deadline)
+                                                   : surest(applications, own, surroundings, deadline);
+    return found ? std::vector{found->frame.application} : std::vector<Application>();
+}
+
 }  // namespace
 
-std::optional<FrameFound> findFrame(Applications& applications, const X11Window& window, Clock::time_point deadline) {
-    for (const Application& application : applications.ofProcess(window.pid, deadline)) {
-        std::optional<Lease> lease = applications.connect(application, deadline);
-        if (!lease) continue;
-        Pipeline pipeline(lease->bus(), deadline);
-        const std::optional<FrameFound> frame = findFrameOn(application, *lease, pipeline, window);
-        if (pipeline.timedOut() || pipeline.lost()) lease->spoil();
-        if (frame) return frame;
-    }
+std::optional<FrameFound> findFrame(Applications& applications, const X11Window& window, X11Windows* screen,
+                                    Clock::time_point deadline) {
+    Surroundings surroundings(window, screen);
+    for (const Application& application : applicationsOf(applications, surroundings, deadline))
+        if (auto found = findFrameOf(applications, application, surroundings, Look::ifNeeded, deadline))
+            return std::move(found->frame);
     return std::nullopt;
 }
 
 std::optional<WindowTree> fetchWindow(Applications& applications, const X11Window& window,
                                       const FetchOptions& options) {
     const Clock::time_point deadline = Clock::now() + options.limit;
-    for (const Application& application : applications.ofProcess(window.pid, deadline)) {
+    Surroundings surroundings(window, options.screen);
+    for (const Application& application : applicationsOf(applications, surroundings, deadline)) {
         WindowFetcher fetcher(applications, application, window, options);
         if (auto tree = fetcher.fetch(deadline)) return tree;
     }

@@ -24,7 +24,7 @@ struct FetchOptions {
     bool bulk = true;      // all objects in one call where the toolkit can; else each by itself
     bool record = false;
     bool waitsForTree = true;      // at a first contact, for what a toolkit makes on demand
-    X11Windows* screen = nullptr;  // tells where popups stand whose toolkit doesn't know
+    X11Windows* screen = nullptr;  // tells the windows of a process apart, and where popups stand
     Milliseconds limit{1500};
 };
 
@@ -33,13 +33,15 @@ struct FetchOptions {
 // frame. The open menus and lists of the window are in its tree, those that are windows of their own included.
 std::optional<WindowTree> fetchWindow(Applications& applications, const X11Window& window, const FetchOptions& options);
 
-// The accessible frame of a window, found by its title, size and activity among those of its process.
+// The accessible frame of a window: among those of its process, or, where that shows none on the bus, as a sandboxed
+// program doesn't, the one that is the window for all that can be seen. `screen` as in FetchOptions.
 struct FrameFound {
     Application application;
     Reference reference;
     RawBox box;
     std::vector<Reference> popups;  // open ones that the application lists beside its frames
 };
-std::optional<FrameFound> findFrame(Applications& applications, const X11Window& window, Clock::time_point deadline);
+std::optional<FrameFound> findFrame(Applications& applications, const X11Window& window, X11Windows* screen,
+                                    Clock::time_point deadline);
 
 }  // namespace tarvix::atspi
