@@ -213,6 +213,11 @@ void SimulatedAccessibility::failNthRead(const UIElement& element, int n, AxStat
 
 void SimulatedAccessibility::failReads(const UIElement& element, AxStatus status) { failNthRead(element, 0, status); }
 
+void SimulatedAccessibility::mendReads() {
+    const std::lock_guard lock(mutex_);
+    for (auto& [id, node] : nodes_) node.failures.clear();
+}
+
 void SimulatedAccessibility::quit(std::int32_t pid) {
     const std::lock_guard lock(mutex_);
     if (nodes_.contains(idOfApplication(pid))) erase(idOfApplication(pid));

@@ -78,6 +78,8 @@ public:
     void failNthRead(const UIElement& element, int n, AxStatus status);
     // Every read of the element fails as a whole.
     void failReads(const UIElement& element, AxStatus status);
+    // No element's reads fail as a whole any more.
+    void mendReads();
     // The application has gone, its windows with it; what names them fails from now on.
     void quit(std::int32_t pid);
     // The application stops answering, or answers again.

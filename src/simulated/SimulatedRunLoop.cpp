@@ -13,6 +13,7 @@ void SimulatedRunLoop::onMain(std::function<void()> block) {
 void SimulatedRunLoop::inBackground(std::function<void()> body) { bodies_.push_back(std::move(body)); }
 
 void SimulatedRunLoop::concurrently(std::vector<std::function<void()>> bodies) {
+    concurrentBodies_ = bodies.size();
     if (startsLastBodyFirst) std::reverse(bodies.begin(), bodies.end());
     for (const auto& body : bodies) body();
 }

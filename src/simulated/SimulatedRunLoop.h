@@ -1,6 +1,8 @@
 // The main queue, background bodies and timers, each moved on only when told to.
 #pragma once
 
+#include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <functional>
@@ -35,6 +37,8 @@ public:
 
     // Of bodies that run at the same time the last one starts first.
     bool startsLastBodyFirst = false;
+    // How many there were in the latest call for several at the same time; 0 without one.
+    std::size_t concurrentBodies() const { return concurrentBodies_; }
 
     std::chrono::milliseconds now() const { return now_; }
     std::size_t waitingBlocks() const;
@@ -59,6 +63,7 @@ private:
     std::shared_ptr<Timers> timers_ = std::make_shared<Timers>();
     std::uint64_t lastTimer_ = 0;
     std::chrono::milliseconds now_{0};
+    std::atomic<std::size_t> concurrentBodies_ = 0;
 };
 
 }  // namespace tarvix
