@@ -11,7 +11,8 @@ class Control:
     kind: str
     text: str
     frame: tuple  # x, y, width, height in pixels of the root window, not clipped
-    text_frame: tuple | None = None
+    text_frame: tuple | None = None  # of a text: the box of its letters, if that is another one
+    visible: tuple | None = None  # what is left of the frame where something cuts it off
     counted: bool = True
     seen: str = "whole"  # or "cut"
     clickable: bool = True

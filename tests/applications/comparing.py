@@ -62,7 +62,7 @@ def edges_off(a, b):
 
 
 def frames(control):
-    return [control.frame] + ([control.text_frame] if control.text_frame else [])
+    return [frame for frame in (control.frame, control.text_frame, control.visible) if frame]
 
 
 def fit(found, control):

@@ -104,8 +104,9 @@ class Line:
 
 def control(told):
     return Control(id=told["id"], kind=told["kind"], text=told["text"], frame=tuple(told["frame"]),
-                   text_frame=tuple(told["text_frame"]) if "text_frame" in told else None, counted=told["counted"],
-                   seen=told["seen"], clickable=told["clickable"], inside=told.get("inside"))
+                   text_frame=tuple(told["text_frame"]) if "text_frame" in told else None, visible=tuple(told["visible"]),
+                   counted=told["counted"], seen=told["seen"], clickable=told["clickable"],
+                   inside=told.get("inside"))
 
 
 class Gtk3(WidgetProbe):
@@ -115,9 +116,20 @@ class Gtk3(WidgetProbe):
         return {**super().environment(), "GTK_MODULES": str(self.path)}
 
 
+class Gtk4(WidgetProbe):
+    library = "gio/libprobe_gtk4.so"
+
+    def environment(self):
+        return {**super().environment(), "GIO_EXTRA_MODULES": str(self.path.parent)}
+
+
 APPLICATIONS = [
+    Application(name="gtk4-widget-factory", toolkit="GTK 4", packages=["gtk-4-examples"], command=["gtk4-widget-factory"],
+                probe=Gtk4, unclicked=r"Page \d|Steal"),
+    Application(name="gnome-calculator", toolkit="GTK 4", packages=["gnome-calculator"], command=["gnome-calculator"],
+                probe=Gtk4, quick=True),
     Application(name="gtk3-widget-factory", toolkit="GTK 3", packages=["gtk-3-examples"], command=["gtk3-widget-factory"],
-                probe=Gtk3, quick=True),
+                probe=Gtk3, quick=True, unclicked=r"Page \d"),
     Application(name="mousepad", toolkit="GTK 3", packages=["mousepad"], command=["mousepad", "{folder}/notes.txt"],
                 files={"notes.txt": "Milk\nBread\nA dozen eggs\n"}, probe=Gtk3, quick=True),
     Application(name="gedit", toolkit="GTK 3", packages=["gedit"], command=["gedit", "{folder}/notes.txt"],

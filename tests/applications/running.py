@@ -18,6 +18,7 @@ REST_LOOKS, REST_INTERVAL = 4, 0.1  # so many looks in a row that see the same
 COMPLETE_LIMIT = 10.0  # an application that is busy answers later, and a search goes on without it
 CLICK_LIMIT = 5.0
 CLICKS = 10
+OPENING = ["menu bar item"]
 ROUNDS = 15
 
 
@@ -140,16 +141,20 @@ class Run:
                 time.sleep(0.02)
             if is_confirmed(control, self.probe.clicks()[before:]):
                 confirmed.append(control)
-            self.return_to(window)
+            self.return_to(window, control.kind in OPENING)
         return clicked, confirmed
 
-    def return_to(self, window):
+    def has_menu(self):
+        return any(control.kind == "menu item" for control in self.probe.controls())
+
+    def return_to(self, window, has_opened):
         """Something may have opened that takes the keyboard; it goes by Escape."""
         deadline = time.monotonic() + START_LIMIT
         while True:
             active = self.lister.window()
-            if active and active["number"] == window["number"]:
+            if not has_opened and active and active["number"] == window["number"] and not self.has_menu():
                 return
+            has_opened = False
             if time.monotonic() > deadline:
                 raise RunError(f"{self.application.name}: a click opened {active}, and Escape doesn't close it")
             self.lister.ask("escape")
@@ -208,7 +213,7 @@ def run(application, program, say=lambda text: None):
         clicked, confirmed = here.click()
         unconfirmed = [control for control in clicked if control not in confirmed]
         for control in unconfirmed:
-            say(f"no click  {control.frame} {control}")
+            say(f"no click  {control.frame} {control} ({control.id})")
         version = here.probe.version()
         return Row(application.name, version, packages_of(application), comparison.counted, len(comparison.found), comparison.exact,
                    len(comparison.unseen), len(clicked), len(confirmed), milliseconds,

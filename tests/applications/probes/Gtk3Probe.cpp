@@ -6,34 +6,13 @@
 #include <gmodule.h>
 #include <gtk/gtk.h>
 
-#include <array>
-#include <functional>
 #include <memory>
 
 #include "tests/applications/probes/Channel.h"
+#include "tests/applications/probes/GtkCells.h"
 #include "tests/applications/probes/Seen.h"
 
 namespace tarvix::probe {
-namespace {
-
-template <class T>
-using Freed = std::unique_ptr<T, decltype(&g_free)>;
-
-std::string taken(char* text) {
-    const Freed<char> owner(text, &g_free);
-    return text == nullptr ? "" : text;
-}
-
-std::string lent(const char* text) { return text == nullptr ? "" : text; }
-
-// A name that a widget keeps for its life.
-std::string idOf(void* object) {
-    static const GQuark key = g_quark_from_static_string("tarvix-probe-id");
-    static int last = 0;
-    auto number = GPOINTER_TO_INT(g_object_get_qdata(G_OBJECT(object), key));
-    if (number == 0) g_object_set_qdata(G_OBJECT(object), key, GINT_TO_POINTER(number = ++last));
-    return std::to_string(number);
-}
 
 std::vector<GtkWidget*> childrenOf(GtkWidget* widget) {
     std::vector<GtkWidget*> children;
@@ -45,28 +24,11 @@ std::vector<GtkWidget*> childrenOf(GtkWidget* widget) {
     return children;
 }
 
-bool shows(GtkWidget* widget) { return gtk_widget_get_mapped(widget) && gtk_widget_get_opacity(widget) > 0; }
-
-// The texts of the labels on a widget.
-std::string labelsOn(GtkWidget* widget) {
-    if (!shows(widget)) return "";
-    if (GTK_IS_LABEL(widget)) return lent(gtk_label_get_text(GTK_LABEL(widget)));
-    std::string text;
-    for (GtkWidget* child : childrenOf(widget)) {
-        const std::string more = labelsOn(child);
-        if (!more.empty()) text += (text.empty() ? "" : " ") + more;
-    }
-    return text;
-}
-
-bool isA(GtkWidget* widget, const char* type) {
-    const GType known = g_type_from_name(type);
-    return known != 0 && g_type_is_a(G_OBJECT_TYPE(widget), known);
-}
+namespace {
 
 // ----------------------------------------------------------------------------------------------------- one toplevel
 
-class Walk {
+class Walk : public GtkCells<Walk> {
 public:
     explicit Walk(GtkWidget* toplevel) : toplevel_(toplevel), scale_(gtk_widget_get_scale_factor(toplevel)) {
         gdk_window_get_origin(gtk_widget_get_window(toplevel), &originX_, &originY_);
@@ -76,6 +38,8 @@ public:
     std::vector<Seen> take() { return std::move(all_); }
 
 private:
+    friend class GtkCells<Walk>;
+
     Box boxOf(GtkWidget* widget, GdkRectangle inside) const {
         int x = 0, y = 0;
         gtk_widget_translate_coordinates(widget, toplevel_, inside.x, inside.y, &x, &y);
@@ -99,23 +63,23 @@ private:
         return clip;
     }
 
-    void add(GtkWidget* widget, Seen seen, GdkWindow* window) {
-        seen.visible = intersection(seen.frame, clipOf(window));
+    void add(GtkWidget* widget, Seen seen, std::optional<Box> clip = {}) {
+        seen.visible = intersection(seen.frame, clipOf(gtk_widget_get_window(widget)));
+        if (clip) seen.visible = intersection(seen.visible, *clip);
         seen.owner = widget;
         if (!seen.visible.isEmpty()) all_.push_back(std::move(seen));
     }
 
     void add(GtkWidget* widget, const char* kind, std::string text, bool counted, const std::string& inside,
-             GtkWidget* framed = nullptr) {
-        add(widget,
-            {.id = idOf(widget),
-             .kind = kind,
-             .text = std::move(text),
-             .frame = boxOf(framed ? framed : widget),
-             .counted = counted && inside.empty(),
-             .clickable = gtk_widget_is_sensitive(widget) != FALSE,
-             .inside = inside},
-            gtk_widget_get_window(widget));
+             GtkWidget* textWidget = nullptr) {
+        add(widget, {.id = idOf(widget),
+                     .kind = kind,
+                     .text = std::move(text),
+                     .frame = boxOf(widget),
+                     .textFrame = textWidget ? std::optional(boxOf(textWidget)) : std::nullopt,
+                     .counted = counted && inside.empty(),
+                     .clickable = gtk_widget_is_sensitive(widget) != FALSE,
+                     .inside = inside});
     }
 
     void visitChildren(GtkWidget* widget, const std::string& inside) {
@@ -129,7 +93,10 @@ private:
         if (isA(widget, "ExoIconView") || isA(widget, "XfceIconView")) return xfceIcons(widget);
         if (GTK_IS_NOTEBOOK(widget)) return notebook(GTK_NOTEBOOK(widget));
         const auto [kind, text] = control(widget);
-        add(widget, kind[0] ? kind : "widget", text, kind[0] != '\0', inside);
+        const bool counted = kind[0] != '\0' && !isTitleButton(widget);
+        add(widget, kind[0] ? kind : "widget", text, counted, inside, textWidget(widget));
+        if (GTK_IS_ENTRY(widget)) entryIcons(GTK_ENTRY(widget));
+        if (GTK_IS_STATUSBAR(widget)) return visitStatusBar(widget);
         visitChildren(widget, kind[0] && inside.empty() ? idOf(widget) : inside);
     }
 
@@ -142,7 +109,7 @@ private:
         if (GTK_IS_SEPARATOR_MENU_ITEM(widget)) return {"", ""};
         if (GTK_IS_MENU_ITEM(widget))
             return {GTK_IS_MENU_BAR(gtk_widget_get_parent(widget)) ? "menu bar item" : "menu item", labelsOn(widget)};
-        if (GTK_IS_COMBO_BOX(widget)) return {"combo box", comboText(GTK_COMBO_BOX(widget))};
+        if (GTK_IS_COMBO_BOX(widget)) return {"combo box", comboText(widget)};
         if (GTK_IS_SPIN_BUTTON(widget)) return {"spin button", lent(gtk_entry_get_text(GTK_ENTRY(widget)))};
         if (GTK_IS_ENTRY(widget)) return {"entry", entryText(GTK_ENTRY(widget))};
         if (GTK_IS_TEXT_VIEW(widget)) return {"text area", viewText(GTK_TEXT_VIEW(widget))};
@@ -153,6 +120,11 @@ private:
         if (GTK_IS_PROGRESS_BAR(widget)) {
             if (!gtk_progress_bar_get_show_text(GTK_PROGRESS_BAR(widget))) return {"", ""};
             return {"progress", lent(gtk_progress_bar_get_text(GTK_PROGRESS_BAR(widget)))};
+        }
+        if (GTK_IS_STATUSBAR(widget)) {
+            GtkWidget* message = messageOf(widget);
+            const std::string text = message != nullptr ? labelsOn(message) : "";
+            return {text.empty() ? "" : "status bar", text};
         }
         if (isA(widget, "VteTerminal")) return {"terminal", terminalText(widget)};
         if (GTK_IS_BUTTON(widget)) return {buttonKind(widget), labelsOn(widget)};
@@ -170,53 +142,67 @@ private:
         return GTK_IS_TOGGLE_BUTTON(widget) ? "toggle button" : "button";
     }
 
+    // One of the window's own, to close it and the like.
+    static bool isTitleButton(GtkWidget* widget) {
+        return gtk_style_context_has_class(gtk_widget_get_style_context(widget), "titlebutton");
+    }
+
+    // Its message is its own; whatever else an application has put there isn't.
+    static GtkWidget* messageOf(GtkWidget* statusBar) {
+        for (GtkWidget* child : childrenOf(gtk_statusbar_get_message_area(GTK_STATUSBAR(statusBar))))
+            if (GTK_IS_LABEL(child)) return child;
+        return nullptr;
+    }
+
+    void visitStatusBar(GtkWidget* statusBar) {
+        GtkWidget* message = messageOf(statusBar);
+        const std::vector<GtkWidget*> area = childrenOf(gtk_statusbar_get_message_area(GTK_STATUSBAR(statusBar)));
+        for (GtkWidget* child : area)
+            if (child != message) visit(child, "");
+        for (GtkWidget* child : childrenOf(statusBar))
+            if (child != gtk_statusbar_get_message_area(GTK_STATUSBAR(statusBar))) visit(child, "");
+    }
+
+    // What holds the text of a control that is more than its text.
+    static GtkWidget* textWidget(GtkWidget* widget) {
+        if (GTK_IS_STATUSBAR(widget)) return messageOf(widget);
+        return GTK_IS_COMBO_BOX(widget) && gtk_combo_box_get_has_entry(GTK_COMBO_BOX(widget))
+                   ? gtk_bin_get_child(GTK_BIN(widget))
+                   : nullptr;
+    }
+
+    void entryIcons(GtkEntry* entry) {
+        for (const auto place : {GTK_ENTRY_ICON_PRIMARY, GTK_ENTRY_ICON_SECONDARY}) {
+            if (gtk_entry_get_icon_storage_type(entry, place) == GTK_IMAGE_EMPTY) continue;
+            GdkRectangle icon;
+            gtk_entry_get_icon_area(entry, place, &icon);
+            GtkWidget* widget = GTK_WIDGET(entry);
+            const bool isControl = gtk_entry_get_icon_activatable(entry, place) && gtk_widget_is_sensitive(widget);
+            add(widget, {.id = idOf(widget) + "/" + std::to_string(place),
+                         .kind = "entry icon",
+                         .text = "",
+                         .frame = boxOf(widget, icon),
+                         .counted = isControl,
+                         .clickable = isControl});
+        }
+    }
+
     static std::string entryText(GtkEntry* entry) {
         const std::string text = lent(gtk_entry_get_text(entry));
         if (text.empty()) return lent(gtk_entry_get_placeholder_text(entry));
         return gtk_entry_get_visibility(entry) ? text : "";  // a password is drawn as dots
     }
 
-    static std::string viewText(GtkTextView* view) {
-        GdkRectangle visible;
-        gtk_text_view_get_visible_rect(view, &visible);
-        GtkTextIter start, end;
-        gtk_text_view_get_line_at_y(view, &start, visible.y, nullptr);
-        end = start;
-        gtk_text_iter_forward_to_line_end(&end);
-        return taken(gtk_text_buffer_get_text(gtk_text_view_get_buffer(view), &start, &end, FALSE));
+    static std::string comboText(GtkWidget* combo) {
+        GtkWidget* child = gtk_bin_get_child(GTK_BIN(combo));
+        if (gtk_combo_box_get_has_entry(GTK_COMBO_BOX(combo))) return entryText(GTK_ENTRY(child));
+        return GtkCells::comboText(GTK_COMBO_BOX(combo), child);
     }
 
     static std::string terminalText(GtkWidget* terminal) {
         using GetText = char* (*)(void*, void*, void*, void*);
         const auto get = reinterpret_cast<GetText>(dlsym(RTLD_DEFAULT, "vte_terminal_get_text"));
         return get ? taken(get(terminal, nullptr, nullptr, nullptr)) : "";
-    }
-
-    static std::string comboText(GtkComboBox* combo) {
-        if (gtk_combo_box_get_has_entry(combo)) return entryText(GTK_ENTRY(gtk_bin_get_child(GTK_BIN(combo))));
-        GtkTreeIter row;
-        if (!gtk_combo_box_get_active_iter(combo, &row)) return "";
-        // The cells that draw the button, not those of the list.
-        GtkWidget* view = gtk_bin_get_child(GTK_BIN(combo));
-        GtkCellLayout* layout = GTK_IS_CELL_LAYOUT(view) ? GTK_CELL_LAYOUT(view) : GTK_CELL_LAYOUT(combo);
-        gtk_cell_area_apply_attributes(gtk_cell_layout_get_area(layout), gtk_combo_box_get_model(combo), &row, FALSE,
-                                       FALSE);
-        return textOf(gtk_cell_layout_get_cells(layout));
-    }
-
-    static std::string textOf(GtkCellRenderer* cell) {
-        char* text = nullptr;
-        if (GTK_IS_CELL_RENDERER_TEXT(cell)) g_object_get(cell, "text", &text, nullptr);
-        return taken(text);
-    }
-    static std::string textOf(GList* cells) {
-        std::string all;
-        for (GList* at = cells; at != nullptr; at = at->next) {
-            const std::string text = textOf(GTK_CELL_RENDERER(at->data));
-            if (!text.empty()) all += (all.empty() ? "" : " ") + text;
-        }
-        g_list_free(cells);
-        return all;
     }
 
     // ------------------------------------------------------------------------------------------- cells and the like
@@ -229,14 +215,12 @@ private:
             GtkWidget* page = gtk_notebook_get_nth_page(notebook, number);
             GtkWidget* label = gtk_notebook_get_tab_label(notebook, page);
             if (label != nullptr && shows(label)) {
-                add(widget,
-                    {.id = idOf(label),
-                     .kind = "tab",
-                     .text = labelsOn(label),
-                     .frame = boxOf(label),
-                     .counted = true,
-                     .clickable = true},
-                    gtk_widget_get_window(label));
+                add(widget, {.id = idOf(label),
+                             .kind = "tab",
+                             .text = labelsOn(label),
+                             .frame = boxOf(label),
+                             .counted = true,
+                             .clickable = true});
                 tabParts(label, idOf(label));
             }
             visit(page, "");
@@ -251,99 +235,6 @@ private:
         if (GTK_IS_BUTTON(widget)) return visit(widget, "");
         add(widget, "widget", GTK_IS_LABEL(widget) ? labelsOn(widget) : "", false, tab);
         for (GtkWidget* child : childrenOf(widget)) tabParts(child, tab);
-    }
-
-    void tree(GtkTreeView* tree) {
-        GtkWidget* widget = GTK_WIDGET(tree);
-        add(widget, "widget", "", false, "");
-        visitChildren(widget, "");  // the column headers, and an entry where a cell is edited
-        GtkTreePath *first = nullptr, *last = nullptr;
-        if (!gtk_tree_view_get_visible_range(tree, &first, &last)) return;
-        GList* columns = gtk_tree_view_get_columns(tree);
-        for (GtkTreePath* path = gtk_tree_path_copy(first); path != nullptr;) {
-            int number = 0;
-            for (GList* at = columns; at != nullptr; at = at->next)
-                row(tree, path, GTK_TREE_VIEW_COLUMN(at->data), number++);
-            const bool more = gtk_tree_path_compare(path, last) < 0 && next(tree, path);
-            if (!more) {
-                gtk_tree_path_free(path);
-                path = nullptr;
-            }
-        }
-        g_list_free(columns);
-        gtk_tree_path_free(first);
-        gtk_tree_path_free(last);
-    }
-
-    // The row below, into rows that are open and out of them again.
-    static bool next(GtkTreeView* tree, GtkTreePath* path) {
-        GtkTreeModel* model = gtk_tree_view_get_model(tree);
-        GtkTreeIter row;
-        if (gtk_tree_view_row_expanded(tree, path)) {
-            gtk_tree_path_down(path);
-            if (gtk_tree_model_get_iter(model, &row, path)) return true;
-            gtk_tree_path_up(path);
-        }
-        do {
-            gtk_tree_path_next(path);
-            if (gtk_tree_model_get_iter(model, &row, path)) return true;
-        } while (gtk_tree_path_up(path) && gtk_tree_path_get_depth(path) > 0);
-        return false;
-    }
-
-    void row(GtkTreeView* tree, GtkTreePath* path, GtkTreeViewColumn* column, int number) {
-        GtkTreeModel* model = gtk_tree_view_get_model(tree);
-        GtkTreeIter at;
-        if (!gtk_tree_view_column_get_visible(column) || !gtk_tree_model_get_iter(model, &at, path)) return;
-        GtkWidget* widget = GTK_WIDGET(tree);
-        GdkRectangle cell;
-        gtk_tree_view_get_cell_area(tree, path, column, &cell);
-        gtk_tree_view_convert_bin_window_to_widget_coords(tree, cell.x, cell.y, &cell.x, &cell.y);
-        gtk_tree_view_column_cell_set_cell_data(column, model, &at, gtk_tree_model_iter_has_child(model, &at), FALSE);
-        const std::string id = idOf(widget) + "/" + taken(gtk_tree_path_to_string(path)) + "/" + std::to_string(number);
-        GList* renderers = gtk_cell_layout_get_cells(GTK_CELL_LAYOUT(column));
-        int part = 0;
-        for (GList* each = renderers; each != nullptr; each = each->next, ++part) {
-            auto* renderer = GTK_CELL_RENDERER(each->data);
-            if (gtk_cell_renderer_get_visible(renderer))
-                cellPart(widget, id + "#" + std::to_string(part), column, renderer, cell);
-        }
-        g_list_free(renderers);
-    }
-
-    void cellPart(GtkWidget* widget, const std::string& id, GtkTreeViewColumn* column, GtkCellRenderer* renderer,
-                  GdkRectangle cell) {
-        GdkRectangle own = cell;
-        int x = 0, width = 0;
-        if (gtk_tree_view_column_cell_get_position(column, renderer, &x, &width)) {
-            own.x = cell.x + x;
-            own.width = width;
-        }
-        const std::string text = textOf(renderer);
-        const bool toggles = GTK_IS_CELL_RENDERER_TOGGLE(renderer);
-        add(widget,
-            {.id = id,
-             .kind = toggles ? "check cell" : "cell",
-             .text = text,
-             .frame = boxOf(widget, cell),
-             .textFrame = boxOf(widget, own),
-             .counted = toggles || !text.empty(),
-             .clickable = gtk_widget_is_sensitive(widget) != FALSE},
-            gtk_tree_view_get_bin_window(GTK_TREE_VIEW(widget)));
-    }
-
-    void icons(GtkWidget* widget) {
-        auto* view = GTK_ICON_VIEW(widget);
-        add(widget, "widget", "", false, "");
-        GtkTreePath *first = nullptr, *last = nullptr;
-        if (!gtk_icon_view_get_visible_range(view, &first, &last)) return;
-        for (; gtk_tree_path_compare(first, last) <= 0; gtk_tree_path_next(first)) {
-            GdkRectangle item;
-            if (gtk_icon_view_get_cell_rect(view, first, nullptr, &item))
-                icon(widget, GTK_CELL_LAYOUT(view), gtk_icon_view_get_model(view), first, item);
-        }
-        gtk_tree_path_free(first);
-        gtk_tree_path_free(last);
     }
 
     // The icon view of Xfce's library has the functions of GTK's under other names.
@@ -381,24 +272,6 @@ private:
         }
         gtk_tree_path_free(first);
         gtk_tree_path_free(last);
-    }
-
-    void icon(GtkWidget* widget, GtkCellLayout* layout, GtkTreeModel* model, GtkTreePath* path, GdkRectangle item) {
-        GtkTreeIter at;
-        if (!gtk_tree_model_get_iter(model, &at, path)) return;
-        std::string text;
-        if (GtkCellArea* area = gtk_cell_layout_get_area(layout)) {
-            gtk_cell_area_apply_attributes(area, model, &at, FALSE, FALSE);
-            text = textOf(gtk_cell_layout_get_cells(layout));
-        }
-        add(widget,
-            {.id = idOf(widget) + "/" + taken(gtk_tree_path_to_string(path)),
-             .kind = "icon",
-             .text = text,
-             .frame = boxOf(widget, item),
-             .counted = true,
-             .clickable = true},
-            gtk_widget_get_window(widget));
     }
 
     GtkWidget* toplevel_;
@@ -446,6 +319,12 @@ gboolean pressed(GSignalInvocationHint*, guint, const GValue* values, gpointer) 
     return TRUE;
 }
 
+// Through accessibility it comes without the mouse.
+gboolean clicked(GSignalInvocationHint*, guint, const GValue* values, gpointer) {
+    channel->send({{"pressed", idOf(g_value_get_object(&values[0]))}, {"widget", "clicked"}});
+    return TRUE;
+}
+
 gboolean asked(int, GIOCondition, gpointer) {
     for (const std::string& command : channel->commands())
         channel->send({{"controls", toJson(seenInWindow(std::strtoul(command.c_str(), nullptr, 10)))}});
@@ -462,7 +341,8 @@ extern "C" G_MODULE_EXPORT void gtk_module_init(int*, char***) {
                                         std::to_string(gtk_get_micro_version()));
     if (channel->fd() < 0) return;
     g_unix_fd_add(channel->fd(), G_IO_IN, asked, nullptr);
-    // The class has to be there before its signals can be looked up.
-    g_type_class_unref(g_type_class_ref(GTK_TYPE_WIDGET));
+    // A class has to be there before its signals can be looked up.
+    g_type_class_unref(g_type_class_ref(GTK_TYPE_BUTTON));
+    g_signal_add_emission_hook(g_signal_lookup("clicked", GTK_TYPE_BUTTON), 0, clicked, nullptr, nullptr);
     g_signal_add_emission_hook(g_signal_lookup("button-press-event", GTK_TYPE_WIDGET), 0, pressed, nullptr, nullptr);
 }

@@ -44,6 +44,8 @@ inline nlohmann::json toJson(const std::vector<Seen>& all) {
                               {"kind", seen.kind},
                               {"text", seen.text},
                               {"frame", toJson(seen.frame)},
+                              {"visible", toJson(seen.visible)},
+                              {"visible", toJson(seen.visible)},
                               {"counted", seen.counted},
                               {"seen", seen.isWhole() ? "whole" : "cut"},
                               {"clickable", seen.clickable}};
