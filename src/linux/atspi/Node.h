@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "base/Geometry.h"
+#include "linux/atspi/TextStretches.h"
 #include "linux/atspi/Vocabulary.h"
 
 namespace tarvix::atspi {
@@ -27,6 +28,12 @@ struct RawBox {
     friend bool operator==(RawBox, RawBox) = default;
 };
 
+// Text of an object's own, where it is known to stand.
+struct OwnText {
+    Stretch stretch;
+    std::optional<AxRect> box;
+};
+
 // Everything that the system asks of an object. What a toolkit doesn't offer stays empty.
 struct Node {
     Reference reference;
@@ -41,7 +48,7 @@ struct Node {
     std::optional<double> value;
     std::string valueText;
     std::optional<RawBox> raw;
-    std::optional<AxRect> textBox;  // of the text of its own, where that is not the whole frame
+    std::vector<OwnText> ownTexts;  // where its toolkit has no objects for them
     AxRect frame;                   // root pixels, clipped to what scrolling leaves of it
     bool shows = false;             // it is on the screen, as far as its toolkit tells
     bool inWebContent = false;

@@ -132,22 +132,22 @@ bool isTextInput(Role role) {
            role == Role::dateEditor || role == Role::editBar;
 }
 
-// The roles whose text, where it is their own, would be lost with them, since the role itself is never a target.
-bool isTextCarrier(Role role) {
-    switch (role) {
-        case Role::listItem:
-        case Role::treeItem:
-        case Role::heading:
-        case Role::paragraph:
-        case Role::section:
-        case Role::blockQuote:
-        case Role::descriptionTerm:
-        case Role::descriptionValue:
-        case Role::statusBar:
-            return true;
-        default:
-            return false;
-    }
+// The header of a column that sorts its table by a click says so.
+bool isPlainHeader(const Node& node) {
+    return node.inWebContent && (node.role == Role::columnHeader || node.role == Role::tableColumnHeader) &&
+           !node.attribute("sort") && !node.has(State::focusable);
+}
+
+// Emphasis within a text: in Chromium the object that says it is below it.
+bool isInline(const Node& node) {
+    return node.inWebContent && node.role == Role::staticText && node.childCount > 0 && node.name.empty();
+}
+
+// On a page these only hold a text, which is an object of its own, or in Gecko a part of theirs.
+bool isTextPart(const Node& node) {
+    return isInline(node) || (node.inWebContent && (node.role == Role::label || node.role == Role::caption ||
+                                                    node.role == Role::tableCell || node.role == Role::rowHeader ||
+                                                    node.role == Role::tableRowHeader || isPlainHeader(node)));
 }
 
 // GTK 4.8 names a widget that has no name of its own by its class ("GtkImage").
@@ -155,21 +155,6 @@ bool isClassName(const std::string& name) {
     return name.size() > 3 && name.compare(0, 3, "Gtk") == 0 &&
            std::isupper(static_cast<unsigned char>(name[3])) != 0 &&
            std::all_of(name.begin() + 3, name.end(), [](unsigned char c) { return std::isalnum(c) != 0 || c == '_'; });
-}
-
-// A bullet or a separator between links says nothing that anybody searches for.
-bool isOrnament(const std::string& text) {
-    static constexpr std::string_view bullets = "•◦▪▫–—·‣";
-    for (std::size_t i = 0; i < text.size();) {
-        const auto c = static_cast<unsigned char>(text[i]);
-        std::size_t length = 1;
-        while (i + length < text.size() && (static_cast<unsigned char>(text[i + length]) & 0xC0U) == 0x80U) ++length;
-        const bool plain =
-            c < 0x80U ? std::isalnum(c) == 0 : bullets.find(text.substr(i, length)) != std::string_view::npos;
-        if (!plain) return false;
-        i += length;
-    }
-    return true;
 }
 
 AxValue textOrNothing(const std::string& text) { return text.empty() ? AxValue() : AxValue(text); }
@@ -194,6 +179,7 @@ std::string_view titleBarSubrole(const Node& node) {
 
 std::string_view subroleOf(const Node& node) {
     if (const std::string_view button = titleBarSubrole(node); !button.empty()) return button;
+    if (isPlainHeader(node)) return {};
     if (isToggle(node.role)) {
         const std::string* roles = node.attribute("xml-roles");
         if (roles && *roles == "switch") return "AXSwitch";
@@ -203,12 +189,24 @@ std::string_view subroleOf(const Node& node) {
 
 std::string nameOf(const Node& node) { return isClassName(node.name) ? std::string() : node.name; }
 
+// A name that says what is inside would be found beside that; a given one is all there may be.
+bool isNameOfContents(const Node& node) {
+    const std::string* given = node.attribute("explicit-name");
+    return isTextPart(node) && !(given && *given == "true");
+}
+
+NameIs nameIs(const Node& node) {
+    if (isTextPart(node)) return description;
+    return node.role == Role::comboBox && !node.text.empty() ? description : rowOf(node.role).nameIs;
+}
+
 AxValue titleOf(const Node& node) {
-    return !node.synthetic && rowOf(node.role).nameIs == title ? textOrNothing(nameOf(node)) : AxValue();
+    return !node.synthetic && nameIs(node) == title ? textOrNothing(nameOf(node)) : AxValue();
 }
 
 AxValue labelOf(const Node& node) {
-    return !node.synthetic && rowOf(node.role).nameIs == description ? textOrNothing(nameOf(node)) : AxValue();
+    return !node.synthetic && nameIs(node) == description && !isNameOfContents(node) ? textOrNothing(nameOf(node))
+                                                                                     : AxValue();
 }
 
 AxValue valueOf(const Node& node) {
@@ -218,9 +216,9 @@ AxValue valueOf(const Node& node) {
         return std::int64_t{node.has(State::checked) || node.has(State::pressed)};
     }
     if (node.role == Role::pageTab) return std::int64_t{node.has(State::selected)};
-    if (isTextInput(node.role) && !node.text.empty()) return node.text;
+    if ((isTextInput(node.role) || node.role == Role::comboBox) && !node.text.empty()) return node.text;
     if (node.value) return *node.value;
-    if (rowOf(node.role).nameIs == value) return textOrNothing(node.text.empty() ? nameOf(node) : node.text);
+    if (nameIs(node) == value) return textOrNothing(node.text.empty() ? nameOf(node) : node.text);
     return {};
 }
 
@@ -279,6 +277,9 @@ std::string_view axRole(const Node& node) {
     if (node.synthetic) return "AXStaticText";
     if ((node.role == Role::text || node.role == Role::entry) && node.has(State::multiLine)) return "AXTextArea";
     if (node.role == Role::comboBox && node.has(State::editable)) return "AXComboBox";
+    if (node.inWebContent && (node.role == Role::label || node.role == Role::caption)) return "AXGroup";
+    if (isInline(node)) return "AXGroup";
+    if (isPlainHeader(node)) return "AXCell";
     if (node.role == Role::pushButton && node.has(State::hasPopup)) return "AXMenuButton";
     if ((node.role == Role::menu || node.role == Role::menuItem) && node.inMenuBar) return "AXMenuBarItem";
     if (node.role == Role::pushButton && node.offers(interface::hyperlink)) return "AXLink";  // GTK 3's link button
@@ -308,17 +309,37 @@ std::optional<AxValue> translate(const Node& node, std::string_view attribute) {
 
 std::string ownText(const Node& node) { return node.text.empty() ? nameOf(node) : node.text; }
 
+// The roles whose text, where it is their own, would be lost with them, since the role itself is never a target.
+bool isTextCarrier(const Node& node) {
+    switch (node.role) {
+        case Role::listItem:
+        case Role::treeItem:
+        case Role::heading:
+        case Role::paragraph:
+        case Role::section:
+        case Role::blockQuote:
+        case Role::descriptionTerm:
+        case Role::descriptionValue:
+        case Role::statusBar:
+            return true;
+        default:
+            return isTextPart(node);
+    }
+}
+
 bool needsTextElement(const Node& node, bool hasChildren) {
-    if (node.synthetic || !isTextCarrier(node.role)) return false;
+    if (node.synthetic || !isTextCarrier(node)) return false;
     // With children, only a text of its own counts: a name is then put together from theirs.
     return !isOrnament(hasChildren ? node.text : ownText(node));
 }
 
 bool wantsText(Toolkit toolkit, const Node& node) {
     if (isTextInput(node.role)) return true;
+    if (node.role == Role::comboBox && node.has(State::editable))
+        return toolkit == Toolkit::chromium || toolkit == Toolkit::gecko;
     // Gecko has no objects for plain text: it is in the text of what contains it. LibreOffice's cells likewise.
     if (toolkit == Toolkit::gecko)
-        return isTextCarrier(node.role) || node.role == Role::label || node.role == Role::staticText ||
+        return isTextCarrier(node) || node.role == Role::label || node.role == Role::staticText ||
                node.role == Role::tableCell || node.role == Role::caption;
     if (toolkit == Toolkit::libreOffice) return node.role == Role::tableCell || node.role == Role::paragraph;
     return false;

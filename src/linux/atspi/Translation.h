@@ -36,6 +36,9 @@ bool needsTextElement(const Node& node, bool hasChildren);
 // What such an element says.
 std::string ownText(const Node& node);
 
+// Whether a node of its role and place may show such a text.
+bool isTextCarrier(const Node& node);
+
 // What has to be read of a node of this role besides the fields that all have.
 bool wantsText(Toolkit toolkit, const Node& node);
 bool wantsValue(const Node& node);

@@ -64,6 +64,11 @@ bool mayBeLong(const Node& node) {
     return node.has(State::multiLine) || node.role == Role::terminal || node.role == Role::documentText;
 }
 
+// The blanks between the elements of a page are objects in Chromium, and so are the bullets of its lists.
+bool saysNothing(const Node& node) {
+    return node.inWebContent && node.role == Role::staticText && node.childCount == 0 && isBullet(node.name);
+}
+
 bool isEmpty(RawBox box) { return box.width <= 0 || box.height <= 0; }
 
 AxRect intersection(AxRect a, AxRect b) {
@@ -212,6 +217,7 @@ int TreeFetch::add(const Reference& reference, int parent, AxRect clip, Kind kin
     if (tree_.size() >= kMostNodes || depth > kDeepest) return -1;
     // An object of another process (a plug) can't be called on the application's own socket.
     if (direct_ && reference.bus != application_.bus) return -1;
+    if (leftOut_.contains(reference.bus)) return -1;
     if (!met_.insert(reference.bus + reference.path).second) return -1;
     Node& node = tree_.emplace_back();
     node.reference = reference;
@@ -310,6 +316,8 @@ void TreeFetch::place(int index) {
 
 bool TreeFetch::showsByState(const Node& node) const {
     if (node.has(State::defunct)) return false;
+    // The place of another process's part (a socket of GTK 3) says now and then that it has no state at all.
+    if (!direct_ && application_.toolkit == Toolkit::gtk3 && node.states == 0) return true;
     return manner_.showingIsTold ? node.has(State::showing) : node.has(State::visible) || node.has(State::showing);
 }
 
@@ -386,7 +394,8 @@ void TreeFetch::askChildren(int index, void (TreeFetch::*next)(int)) {
 void TreeFetch::onFields(int index) {
     const auto i = static_cast<std::size_t>(index);
     Node& node = tree_[i];
-    if (index != 0 && (node.role == Role::invalid || !isWithinClip(index))) {
+    if (index != 0 && (node.role == Role::invalid || !isWithinClip(index) ||
+                       (application_.toolkit == Toolkit::chromium && saysNothing(node)))) {
         node.shows = false;
         return;
     }
@@ -405,6 +414,10 @@ void TreeFetch::descend(int index) {
             askChildren(index, &TreeFetch::onCells);  // an icon view
         return;
     }
+    if (isSocket(index)) {
+        askPlug(index);
+        return;
+    }
     if (!manner_.childrenByIndex) {
         onChildren(index);
         return;
@@ -414,6 +427,24 @@ void TreeFetch::descend(int index) {
         askChildren(index, &TreeFetch::onChildren);
     else
         LongList::fetch(*this, index);
+}
+
+// Where another process has put its part. It is counted as a child, and left out of the list of children.
+bool TreeFetch::isSocket(int index) const {
+    const Node& node = tree_[static_cast<std::size_t>(index)];
+    return !direct_ && application_.toolkit == Toolkit::gtk3 && node.role == Role::filler && node.childCount == 1 &&
+           work_[static_cast<std::size_t>(index)].children.empty();
+}
+
+void TreeFetch::askPlug(int index) {
+    const auto i = static_cast<std::size_t>(index);
+    ++work_[i].awaited;
+    Call call = callTo(tree_[i].reference, kAccessible, "GetChildAtIndex");
+    call.signature = "i";
+    pipeline_.send(std::move(call), [this, index, i](sd_bus_message* reply) {
+        if (auto plug = readReference(reply)) work_[i].children.push_back(std::move(*plug));
+        if (--work_[i].awaited == 0) onChildren(index);
+    });
 }
 
 void TreeFetch::onChildren(int index) {
@@ -440,8 +471,8 @@ AxRect TreeFetch::clipBelow(int index) const {
     const AxRect clip = work_[static_cast<std::size_t>(index)].clip;
     if (index == 0 || !node.raw || isEmpty(*node.raw)) return clip;
     if (isSurface(node.role) || opensPopup(node) || isPopover(node)) return kEverywhere;
-    const bool clips =
-        manner_.clipsByEveryBox || isScroller(node.role) || (!manner_.showingIsTold && isGtk4Clipper(node.role));
+    const bool clips = manner_.clipsByEveryBox || (node.inWebContent && node.role == Role::listBox) ||
+                       isScroller(node.role) || (!manner_.showingIsTold && isGtk4Clipper(node.role));
     return clips ? intersection(clip, node.frame) : clip;
 }
 
@@ -450,6 +481,7 @@ void TreeFetch::askDetails(int index) {
     const Node& node = tree_[i];
     askRoleWord(index);
     if (wantsText(application_.toolkit, node)) mayBeLong(node) ? askTextLength(index) : askText(index, kToTheEnd);
+    if (node.inWebContent && node.role == Role::comboBox && node.childCount > 0) askSelectedChild(index);
     if (wantsValue(node)) {
         Call call = callTo(node.reference, kProperties, "Get");
         call.signature = "ss";
@@ -489,7 +521,9 @@ void TreeFetch::askText(int index, std::int32_t end) {
     call.integers[1] = end == kToTheEnd && application_.toolkit == Toolkit::gtk4 ? 2147483647 : end;
     pipeline_.send(std::move(call), [this, index, i](sd_bus_message* reply) {
         tree_[i].text = readText(reply, kLongestTextBytes).value_or("");
-        if (tree_[i].text.find(kEmbedded) != std::string::npos) askOwnTextBox(index);
+        const bool isGecko = application_.toolkit == Toolkit::gecko;
+        if ((isGecko && isTextCarrier(tree_[i])) || tree_[i].text.find(kEmbedded) != std::string::npos)
+            askOwnTexts(index);
     });
 }
 
@@ -503,47 +537,63 @@ void TreeFetch::askRoleWord(int index) {
                    });
 }
 
-// A text with children in it (links in a paragraph) is marked at its longest stretch between them: the box of the whole
-// would cover the children.
-void TreeFetch::askOwnTextBox(int index) {
+// A text with children in it (links in a paragraph) is several, each with a place of its own: the box of the whole
+// would cover the children. In Gecko even a text without them is not where its block is, which is as wide as the page.
+void TreeFetch::askOwnTexts(int index) {
     const auto i = static_cast<std::size_t>(index);
-    const std::string& text = tree_[i].text;
-    std::size_t bestStart = 0, bestLength = 0, bestCharacter = 0, start = 0, character = 0, startCharacter = 0;
-    for (std::size_t at = 0; at <= text.size();) {
-        const bool end = at == text.size();
-        const bool embedded = !end && text.compare(at, kEmbedded.size(), kEmbedded) == 0;
-        if (end || embedded) {
-            if (at - start > bestLength) {
-                bestStart = start;
-                bestLength = at - start;
-                bestCharacter = startCharacter;
-            }
-            start = at + kEmbedded.size();
-            startCharacter = character + 1;
+    Node& node = tree_[i];
+    std::vector<Stretch> stretches = stretchesOf(node.text);
+    node.text = joined(stretches);
+    if (!isTextCarrier(node)) return;
+    for (Stretch& stretch : stretches) {
+        const std::size_t k = node.ownTexts.size();
+        Call call = callTo(node.reference, kText, "GetRangeExtents");
+        call.signature = "iiu";
+        call.integers[0] = stretch.start;
+        call.integers[1] = stretch.end;
+        call.integers[2] = static_cast<std::int32_t>(Coordinates::screen);
+        const bool touches = stretch.touchesNext && stretch.end - stretch.start > 1;
+        node.ownTexts.push_back({std::move(stretch), {}});
+        const auto answer = [this, i, k](sd_bus_message* reply) {
+            RawBox box;
+            if (!reply || sd_bus_message_read(reply, "iiii", &box.x, &box.y, &box.width, &box.height) <= 0 ||
+                isEmpty(box) || !isSane(box))
+                return;
+            const AxRect at = placement_.toRoot(box, tree_[i].inWebContent);
+            std::optional<AxRect>& known = tree_[i].ownTexts[k].box;
+            known = known ? unite(*known, at) : at;
+        };
+        if (touches) {
+            // Gecko takes a child right after the end for a part of the range.
+            Call last = call;
+            last.integers[0] = --call.integers[1];
+            pipeline_.send(std::move(last), answer);
         }
-        if (end) break;
-        ++character;
-        for (++at; at < text.size() && (static_cast<unsigned char>(text[at]) & 0xC0U) == 0x80U;) ++at;
+        pipeline_.send(std::move(call), answer);
     }
-    std::string best = text.substr(bestStart, bestLength);
-    const auto isBlank = [](unsigned char c) { return c == ' ' || c == '\n' || c == '\t'; };
-    if (std::all_of(best.begin(), best.end(), isBlank)) {
-        tree_[i].text.clear();
-        return;
-    }
-    const auto length = static_cast<std::int32_t>(
-        std::count_if(best.begin(), best.end(), [](unsigned char c) { return (c & 0xC0U) != 0x80U; }));
-    tree_[i].text = std::move(best);
-    Call call = callTo(tree_[i].reference, kText, "GetRangeExtents");
-    call.signature = "iiu";
-    call.integers[0] = static_cast<std::int32_t>(bestCharacter);
-    call.integers[1] = static_cast<std::int32_t>(bestCharacter) + length;
-    call.integers[2] = static_cast<std::int32_t>(Coordinates::screen);
-    pipeline_.send(std::move(call), [this, i](sd_bus_message* reply) {
-        RawBox box;
-        if (reply && sd_bus_message_read(reply, "iiii", &box.x, &box.y, &box.width, &box.height) > 0 && !isEmpty(box) &&
-            isSane(box))
-            tree_[i].textBox = placement_.toRoot(box, tree_[i].inWebContent);
+}
+
+// A closed drop-down list of a page says what is chosen in it by the choice in its menu only.
+void TreeFetch::askSelectedChild(int index) {
+    const auto i = static_cast<std::size_t>(index);
+    Call menu = callTo(tree_[i].reference, kAccessible, "GetChildAtIndex");
+    menu.signature = "i";
+    pipeline_.send(std::move(menu), [this, i](sd_bus_message* menuReply) {
+        const std::optional<Reference> list = readReference(menuReply);
+        if (!list) return;
+        Call chosen = callTo(*list, "org.a11y.atspi.Selection", "GetSelectedChild");
+        chosen.signature = "i";
+        pipeline_.send(std::move(chosen), [this, i](sd_bus_message* chosenReply) {
+            const std::optional<Reference> option = readReference(chosenReply);
+            if (!option) return;
+            Call name = callTo(*option, kProperties, "Get");
+            name.signature = "ss";
+            name.texts[0] = kAccessible;
+            name.texts[1] = "Name";
+            pipeline_.send(std::move(name), [this, i](sd_bus_message* nameReply) {
+                tree_[i].text = readVariantText(nameReply).value_or("");
+            });
+        });
     });
 }
 
@@ -665,25 +715,56 @@ void TreeFetch::addTextElements() {
     for (std::size_t i = 0; i < count; ++i) {
         Node& node = tree_[i];
         if (!node.shows) continue;
+        if (!node.ownTexts.empty()) {
+            addOwnTexts(static_cast<int>(i));
+            continue;
+        }
         std::erase_if(node.children, [this](int c) { return !tree_[static_cast<std::size_t>(c)].shows; });
-        if (!needsTextElement(node, !node.children.empty())) continue;
-        Node text;
-        text.reference = node.reference;
-        text.parent = static_cast<int>(i);
-        text.role = node.role;
-        text.states = node.states;
-        text.text = ownText(node);
-        text.frame = node.textBox.value_or(node.frame);
-        text.raw = node.raw;
-        text.shows = text.synthetic = true;
-        text.inWebContent = node.inWebContent;
-        node.children.insert(node.children.begin(), static_cast<int>(tree_.size()));
-        tree_.push_back(std::move(text));
-        work_.emplace_back().clip = work_[i].clip;
+        if (needsTextElement(node, !node.children.empty()))
+            addTextElement(static_cast<int>(i), ownText(node), node.frame, 0);
     }
     nameTabs();
     for (Node& node : tree_)
         if (const auto word = roleWords_.find(node.role); word != roleWords_.end()) node.roleWord = word->second;
+}
+
+// The whole line answers a click.
+bool TreeFetch::isOption(int index) const {
+    const Node& node = tree_[static_cast<std::size_t>(index)];
+    return node.role == Role::listItem && node.parent >= 0 &&
+           tree_[static_cast<std::size_t>(node.parent)].role == Role::listBox;
+}
+
+// Each between the children where it is read. What scrolling has left of the element need not hold all of them.
+void TreeFetch::addOwnTexts(int index) {
+    const auto i = static_cast<std::size_t>(index);
+    std::size_t added = 0;
+    for (const auto& [stretch, box] : tree_[i].ownTexts) {
+        if (box && !intersects(*box, work_[i].clip)) continue;
+        const std::size_t place = static_cast<std::size_t>(stretch.childrenBefore) + added;
+        addTextElement(index, stretch.text, isOption(index) ? tree_[i].frame : box.value_or(tree_[i].frame), place);
+        ++added;
+    }
+    std::erase_if(tree_[i].children, [this](int c) { return !tree_[static_cast<std::size_t>(c)].shows; });
+}
+
+void TreeFetch::addTextElement(int index, const std::string& text, AxRect frame, std::size_t place) {
+    const auto i = static_cast<std::size_t>(index);
+    Node& node = tree_[i];
+    Node element;
+    element.reference = node.reference;
+    element.parent = index;
+    element.role = node.role;
+    element.states = node.states;
+    element.text = text;
+    element.frame = frame;
+    element.raw = node.raw;
+    element.shows = element.synthetic = true;
+    element.inWebContent = node.inWebContent;
+    node.children.insert(node.children.begin() + static_cast<std::ptrdiff_t>(std::min(place, node.children.size())),
+                         static_cast<int>(tree_.size()));
+    tree_.push_back(std::move(element));
+    work_.emplace_back().clip = work_[i].clip;
 }
 
 // GTK 4.8 calls every tab "Tab" and has its title in a label within.

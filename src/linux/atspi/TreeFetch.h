@@ -4,6 +4,7 @@
 #include <deque>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <unordered_set>
 #include <vector>
@@ -36,6 +37,9 @@ public:
               AxRect visible, std::map<Role, std::string> roleWords, Paddings paddings);
     TreeFetch(const TreeFetch&) = delete;
     TreeFetch& operator=(const TreeFetch&) = delete;
+
+    // Objects of these applications, by their names on the bus, are not visited.
+    void leaveOut(std::set<std::string> buses) { leftOut_ = std::move(buses); }
 
     // Visits everything that shows below the frame and returns when it has arrived or the pipeline's deadline has
     // passed; what has arrived until then stands. A reference that was met before is not visited again, so that a tree
@@ -84,13 +88,16 @@ private:
     bool asksBoxFirst(int index) const;
     void askChildren(int index, void (TreeFetch::*next)(int));
     void onFields(int index);
+    bool isSocket(int index) const;
+    void askPlug(int index);
     void onChildren(int index);
     void onCells(int index);
     void askDetails(int index);
     void askTextLength(int index);
     void askText(int index, std::int32_t end);
     void askRoleWord(int index);
-    void askOwnTextBox(int index);
+    void askOwnTexts(int index);
+    void askSelectedChild(int index);
     void descend(int index);
     void place(int index);
     bool showsByState(const Node& node) const;
@@ -109,6 +116,9 @@ private:
     void dropHiddenPages();
     void placePopover(int index, const std::vector<AxRect>& windows);
     void addTextElements();
+    void addTextElement(int index, const std::string& text, AxRect frame, std::size_t place);
+    void addOwnTexts(int index);
+    bool isOption(int index) const;
     void nameTabs();
     void markTitleBar();
     void straightenLibreOffice();
@@ -125,6 +135,7 @@ private:
     NodeTree tree_;
     std::deque<Work> work_;
     std::unordered_set<std::string> met_;
+    std::set<std::string> leftOut_;
     Seed seed_;
 };
 

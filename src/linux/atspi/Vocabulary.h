@@ -132,6 +132,7 @@ enum class State : unsigned {
     defunct = 6,
     editable = 7,
     expanded = 10,
+    focusable = 11,
     focused = 12,
     iconified = 15,
     modal = 16,
