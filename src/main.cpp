@@ -1,11 +1,15 @@
 // The program: the one place that knows which implementations run.
+#include <unistd.h>
+
 #include <QApplication>
 #include <QProcessEnvironment>
 #include <QStandardPaths>
 #include <cstdio>
 #include <cstdlib>
+#include <iostream>
 #include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include "core/AppCore.h"
@@ -14,6 +18,10 @@
 #include "linux/desktops/DesktopAppearance.h"
 #include "linux/desktops/GtkAppearance.h"
 #include "linux/desktops/KdeAppearance.h"
+#include "linux/doctor/Survey.h"
+#include "linux/doctor/UserEntryFiles.h"
+#include "linux/x11/DesktopEntries.h"
+#include "linux/x11/Panels.h"
 #include "linux/x11/X11Connection.h"
 #include "linux/x11/X11EventTaps.h"
 #include "linux/x11/X11Events.h"
@@ -41,6 +49,7 @@
 #include "qt/QtUserDefaults.h"
 #include "qt/ScreenLock.h"
 #include "qt/TerminationSignals.h"
+#include "shell/Doctor.h"
 
 using namespace tarvix;
 
@@ -51,12 +60,17 @@ constexpr int kWrongUse = 2;
 
 constexpr const char* kHelp =
     "Usage: tarvix [--help | --version]\n"
+    "       tarvix doctor [--undo]\n"
     "\n"
     "Reaches and operates any visible control of the frontmost application from the keyboard.\n"
     "It stays in the background; Shift+Super+Space brings up The Input.\n"
     "\n"
     "  --help     print this text and end\n"
     "  --version  print the version and end\n"
+    "  doctor     say which programs with a window show no controls, and why; where there is a lasting\n"
+    "             remedy, a desktop file of the user's own, offer it and write it on a yes only.\n"
+    "             Status 0: all show them; 1: some don't, or accessibility is off or out of reach; 2: wrong use\n"
+    "    --undo   remove these files again. Status 0: none is left; 1: one is, changed since or stuck\n"
     "\n"
     "Environment:\n"
     "  TARVIX_MILESTONES  a file that gets a line with the time of each moment of a search\n";
@@ -66,6 +80,35 @@ void printHelp() {
     std::puts("\nKeys while The Input is up:");
     for (const auto& [keys, help] : keyHelp())
         std::printf("  %s\n      %.*s\n", keys.c_str(), static_cast<int>(help.size()), help.data());
+}
+
+// A service that there is no program without.
+template <class Service>
+std::unique_ptr<Service> require(Outcome<std::unique_ptr<Service>> service) {
+    if (service) return std::move(service.value());
+    std::fprintf(stderr, "tarvix: %s\n", service.reason().c_str());
+    std::exit(kFailure);
+}
+
+bool askAtTerminal(std::string_view question) {
+    std::cout << question << std::flush;
+    std::string answer;
+    std::getline(std::cin, answer);
+    return answer == "y" || answer == "Y" || answer == "yes";
+}
+
+int consultDoctor(int count, char** arguments) {
+    const bool undoes = count == 1 && std::string_view(arguments[0]) == "--undo";
+    if (count > 0 && !undoes) {
+        std::fputs("tarvix: 'doctor' takes --undo and nothing else; try 'tarvix --help'\n", stderr);
+        return kWrongUse;
+    }
+    Consultation consultation{[](std::string_view line) { std::cout << line << std::endl; }, nullptr};
+    if (isatty(STDIN_FILENO) != 0 && isatty(STDOUT_FILENO) != 0) consultation.ask = askAtTerminal;
+    UserEntryFiles files(DesktopEntries::standardFolders());
+    if (undoes) return static_cast<int>(undo(files, consultation));
+    const auto windows = require(X11Windows::open());
+    return static_cast<int>(examine(surveyPrograms(*windows), files, consultation));
 }
 
 // The exit status where the command line is all there is to answer.
@@ -80,6 +123,7 @@ std::optional<int> answerCommandLine(int count, char** arguments) {
         printHelp();
         return EXIT_SUCCESS;
     }
+    if (option == "doctor") return consultDoctor(count - 2, arguments + 2);
     std::fprintf(stderr, "tarvix: unknown argument '%s'; try 'tarvix --help'\n", arguments[1]);
     return kWrongUse;
 }
@@ -95,14 +139,6 @@ void keepToPixels() {
 
 // Qt looks only once whether accessibility is on, and this program is often what switches it on.
 void beThereForScreenReaders() { qputenv("QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "1"); }
-
-// A service that there is no program without.
-template <class Service>
-std::unique_ptr<Service> require(Outcome<std::unique_ptr<Service>> service) {
-    if (service) return std::move(service.value());
-    std::fprintf(stderr, "tarvix: %s\n", service.reason().c_str());
-    std::exit(kFailure);
-}
 
 // Everything that may know how the desktop looks.
 struct DesktopAppearanceSources {
@@ -154,6 +190,7 @@ int run(std::unique_ptr<X11Windows> windows, const QProcessEnvironment& environm
     QtScreenReader screenReader;
     workspace->setScreenReader({[&] { return screenReader.isRunning(); },
                                 [&](std::string_view text, int priority) { screenReader.announce(text, priority); }});
+    workspace->setRole("com.apple.dock", [&] { return dockProcesses(*windows); });
     workspace->setRole("com.apple.notificationcenterui", [&] { return accessibility->notificationProcesses(); });
     DesktopAppearanceSources appearances(*connection, environment);
     QtPanels panels({*keyboard, *screens, milestones, appearances.together});

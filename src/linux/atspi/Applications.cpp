@@ -134,10 +134,14 @@ std::optional<Toolkit> Applications::toolkitOf(sd_bus* bus, const Reference& roo
     return answer;
 }
 
+Applications::IsWanted Applications::isOf(std::int32_t pid) {
+    return [pid, sandbox = flatpakInstance(pid)](std::int32_t each) {
+        return each == pid || (sandbox && flatpakInstance(each) == sandbox);
+    };
+}
+
 std::vector<Application> Applications::ofProcess(std::int32_t pid, Clock::time_point deadline) {
-    const std::optional<std::string> sandbox = flatpakInstance(pid);
-    return whose([&](std::int32_t each) { return each == pid || (sandbox && flatpakInstance(each) == sandbox); },
-                 deadline);
+    return whose(isOf(pid), deadline);
 }
 
 std::vector<Application> Applications::ofOthers(const std::vector<std::int32_t>& pids, Clock::time_point deadline) {
@@ -147,25 +151,37 @@ std::vector<Application> Applications::ofOthers(const std::vector<std::int32_t>&
     return found;
 }
 
-std::vector<Application> Applications::whose(const std::function<bool(std::int32_t pid)>& isWanted,
-                                             Clock::time_point deadline) {
+std::vector<Reference> Applications::rootsOf(std::int32_t pid) {
     std::optional<Lease> lease = connectOverBus();
     if (!lease) return {};
-    const Message reply = callBlocking(lease->bus(), "org.a11y.atspi.Registry", "/org/a11y/atspi/accessible/root",
+    std::vector<Reference> roots;
+    for (Present& each : present(*lease, isOf(pid))) roots.push_back(std::move(each.root));
+    return roots;
+}
+
+std::vector<Applications::Present> Applications::present(Lease& lease, const IsWanted& isWanted) {
+    const Message reply = callBlocking(lease.bus(), "org.a11y.atspi.Registry", "/org/a11y/atspi/accessible/root",
                                        "org.a11y.atspi.Accessible", "GetChildren", kBusLimit);
     if (!reply) {
-        lease->spoil();
+        lease.spoil();
         return {};
     }
-    const std::vector<Reference> present = readReferences(reply.get());
-    forgetOthers(present);
+    std::vector<Reference> all = readReferences(reply.get());
+    forgetOthers(all);
+    std::vector<Present> wanted;
+    for (Reference& each : all)
+        if (const auto pid = pidOf(lease.bus(), each.bus); pid && isWanted(*pid))
+            wanted.push_back({std::move(each), *pid});
+    return wanted;
+}
+
+std::vector<Application> Applications::whose(const IsWanted& isWanted, Clock::time_point deadline) {
+    std::optional<Lease> lease = connectOverBus();
+    if (!lease) return {};
     std::vector<Application> found;
-    for (const Reference& each : present) {
-        const std::optional<std::int32_t> pid = pidOf(lease->bus(), each.bus);
-        if (!pid || !isWanted(*pid)) continue;
-        if (const auto toolkit = toolkitOf(lease->bus(), each, firstAnswerBy(each.bus, deadline)))
-            found.push_back({each.bus, each.path, *pid, *toolkit});
-    }
+    for (const auto& [root, pid] : present(*lease, isWanted))
+        if (const auto toolkit = toolkitOf(lease->bus(), root, firstAnswerBy(root.bus, deadline)))
+            found.push_back({root.bus, root.path, pid, *toolkit});
     return found;
 }
 

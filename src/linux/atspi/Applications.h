@@ -63,6 +63,9 @@ public:
     // Those of all other processes, but for any that has let a deadline pass of late.
     std::vector<Application> ofOthers(const std::vector<std::int32_t>& pids, Clock::time_point deadline);
 
+    // Where the applications of a process stand on the bus, whether or not they answer.
+    std::vector<Reference> rootsOf(std::int32_t pid);
+
     // A connection on which this application's objects can be called: to the application itself where it offers that,
     // else over the bus. Absent when neither can be had.
     std::optional<Lease> connect(const Application& application, Clock::time_point deadline);
@@ -103,7 +106,14 @@ private:
     std::optional<std::int32_t> pidOf(sd_bus* bus, const std::string& name);
     std::optional<Toolkit> toolkitOf(sd_bus* bus, const Reference& root, Clock::time_point deadline);
     std::string addressOf(const Application& application, Milliseconds limit);
-    std::vector<Application> whose(const std::function<bool(std::int32_t pid)>& isWanted, Clock::time_point deadline);
+    using IsWanted = std::function<bool(std::int32_t pid)>;
+    static IsWanted isOf(std::int32_t pid);
+    struct Present {
+        Reference root;
+        std::int32_t pid;
+    };
+    std::vector<Present> present(Lease& lease, const IsWanted& isWanted);
+    std::vector<Application> whose(const IsWanted& isWanted, Clock::time_point deadline);
     bool isWary(const std::string& bus);
     void forgetOthers(const std::vector<Reference>& present);
 

@@ -50,9 +50,13 @@ std::string programOf(const std::string& command) {
     std::istringstream words(command);
     std::string word;
     words >> word;
-    if (word == "env")
-        while (words >> word && word.find('=') != std::string::npos) {
-        }
+    const auto belongsToEnv = [](const std::string& w) {
+        return w == "env" || w.ends_with("/env") || w.starts_with('-') || w.find('=') != std::string::npos;
+    };
+    while (belongsToEnv(word)) {
+        const bool hasValue = word == "-u" || word == "-C";
+        if (!(words >> word) || (hasValue && !(words >> word))) return {};
+    }
     std::erase(word, '"');
     return fs::path(word).filename().string();
 }
@@ -151,6 +155,10 @@ std::optional<DesktopEntry> DesktopEntries::find(const std::vector<Fits>& tries)
 }
 
 using Fits = std::function<bool(const DesktopEntry&)>;
+
+std::optional<DesktopEntry> DesktopEntries::named(std::string_view name) {
+    return find<Fits>({[&](const DesktopEntry& e) { return e.name == name; }});
+}
 
 std::optional<DesktopEntry> DesktopEntries::withId(std::string_view id) {
     return find<Fits>({[&](const DesktopEntry& e) { return e.id == id; }});

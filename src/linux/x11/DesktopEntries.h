@@ -31,6 +31,8 @@ public:
     // By a window's class and instance: first what an entry says of its windows, then what its file is named.
     std::optional<DesktopEntry> ofWindow(std::string_view windowClass, std::string_view windowInstance);
     std::optional<DesktopEntry> ofProgram(std::string_view program);
+    // By the name that a person reads.
+    std::optional<DesktopEntry> named(std::string_view name);
     // A Snap's entries are named after it and its applications; the one named after both is its main one.
     std::optional<DesktopEntry> ofSnap(std::string_view snap);
 

@@ -26,6 +26,13 @@ bool processIsAlive(std::int32_t pid) {
     return pid > 0 && std::filesystem::exists(pathOf(pid, ""), failure);
 }
 
+bool isStopped(std::int32_t pid) {
+    const std::string stat = contentOf(pathOf(pid, "stat"));
+    // After the program's name, which is in brackets and may hold some itself.
+    const std::size_t state = stat.rfind(") ");
+    return state != std::string::npos && (stat[state + 2] == 'T' || stat[state + 2] == 't');
+}
+
 std::string programPath(std::int32_t pid) {
     std::error_code failure;
     std::string path = std::filesystem::read_symlink(pathOf(pid, "exe"), failure).string();

@@ -10,6 +10,8 @@ namespace tarvix {
 
 // Any thread. Absent or empty when the process has gone or belongs to somebody else.
 bool processIsAlive(std::int32_t pid);
+// Whether it is held by somebody, as a debugger or a shell does, so that it can't answer.
+bool isStopped(std::int32_t pid);
 // The base name of its program.
 std::string programName(std::int32_t pid);
 // The whole path of its program, as the kernel knows it.

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cctype>
-#include <filesystem>
 #include <utility>
 
 #include "linux/desktops/CatalogueAliases.h"
@@ -25,13 +24,6 @@ std::string firstOf(std::initializer_list<std::string> texts) {
     for (const std::string& text : texts)
         if (!text.empty()) return text;
     return {};
-}
-
-// The id of the file by which a launcher has started this very process; children inherit the variables.
-std::string launchedId(std::int32_t pid) {
-    if (environmentVariable(pid, "GIO_LAUNCHED_DESKTOP_FILE_PID") != std::to_string(pid)) return {};
-    const auto file = environmentVariable(pid, "GIO_LAUNCHED_DESKTOP_FILE");
-    return file ? std::filesystem::path(*file).stem().string() : std::string();
 }
 
 }  // namespace
@@ -84,31 +76,6 @@ std::vector<RunningApplication> X11Workspace::runningApplications(std::string_vi
     return found;
 }
 
-std::optional<DesktopEntry> X11Workspace::entryOf(std::int32_t pid, const X11Window* window) {
-    const auto known = [&](const std::string& id) { return id.empty() ? std::nullopt : entries_.withId(id); };
-    if (const auto id = flatpakId(pid)) {
-        // Known by its name inside of the sandbox even where its file can't be seen.
-        const auto entry = known(*id);
-        return entry ? entry : DesktopEntry{*id, "", "", "", {}};
-    }
-    if (const auto snap = snapOfProgram(pid)) return ofSnap(*snap);
-    if (window)
-        if (const auto entry = known(window->gtkApplicationId)) return entry;
-    if (const auto entry = known(launchedId(pid))) return entry;
-    if (window)
-        if (const auto entry = entries_.ofWindow(window->windowClass, window->windowInstance)) return entry;
-    if (const auto folder = appImageFolder(pid))
-        if (const auto entry = DesktopEntries::onlyIn(*folder)) return entry;
-    if (const auto snap = snapOfEnvironment(pid))
-        if (const auto entry = entries_.ofSnap(*snap)) return entry;
-    return entries_.ofProgram(programName(pid));
-}
-
-DesktopEntry X11Workspace::ofSnap(const std::string& snap) {
-    const auto entry = entries_.ofSnap(snap);
-    return entry ? *entry : DesktopEntry{snap + "_" + snap, "", "", "", {}};
-}
-
 RunningApplication X11Workspace::describe(std::int32_t pid, const X11Window* window) {
     if (!window) return look(pid, nullptr);
     const Names names{pid, window->number, window->windowClass, window->windowInstance, window->gtkApplicationId};
@@ -123,7 +90,7 @@ RunningApplication X11Workspace::describe(std::int32_t pid, const X11Window* win
 }
 
 RunningApplication X11Workspace::look(std::int32_t pid, const X11Window* window) {
-    const auto entry = entryOf(pid, window);
+    const auto entry = entries_.of(pid, window);
     const std::string program = programName(pid);
     const std::string windowClass = window ? window->windowClass : "";
     const std::string id = entry ? entry->id : lowered(firstOf({program, windowClass, "unknown"}));

@@ -13,7 +13,7 @@
 
 #include "base/Listeners.h"
 #include "base/Outcome.h"
-#include "linux/x11/DesktopEntries.h"
+#include "linux/x11/ProgramEntries.h"
 #include "linux/x11/X11Connection.h"
 #include "linux/x11/X11Windows.h"
 #include "platform/Workspace.h"
@@ -54,9 +54,6 @@ public:
 private:
     X11Workspace(X11Connection& connection, X11Windows& windows);
     void activeWindowChanged();
-    // What is installed as the owner of a process and of one of its windows, if it has any.
-    std::optional<DesktopEntry> entryOf(std::int32_t pid, const X11Window* window);
-    DesktopEntry ofSnap(const std::string& snap);
     RunningApplication look(std::int32_t pid, const X11Window* window);
     // The same, from memory where the last answer was about the same window: looking takes a millisecond, and a search
     // asks for the frontmost application again and again.
@@ -72,7 +69,7 @@ private:
 
     X11Connection& x_;
     X11Windows& windows_;
-    DesktopEntries entries_;
+    ProgramEntries entries_;
     std::map<std::string, std::function<std::vector<std::int32_t>()>, std::less<>> roles_;
     ScreenReader screenReader_;
     std::mutex mutex_;  // guards the next two
