@@ -224,6 +224,8 @@ SharedFetches::Tree AtspiService::fetchFor(SharedFetches::Reader reader, const X
 
 // The menu bar is in the window, which the walk reads at the same time.
 std::optional<Surface> AtspiService::surfaceOf(std::int32_t pid, std::string_view attribute) {
+    if (attribute == ax::extrasMenuBar) return panels_.surfaceOf(pid, PanelRow::tray);
+    if (attribute == ax::visibleChildren) return panels_.surfaceOf(pid, PanelRow::dock);
     if (attribute != ax::menuBar) return std::nullopt;
     const std::optional<X11Window> window = windowOf(pid);
     const SharedFetches::Tree tree = window ? fetchFor(SharedFetches::Reader::menuBar, *window) : nullptr;

@@ -12,6 +12,7 @@
 #include "linux/atspi/Applications.h"
 #include "linux/atspi/Listening.h"
 #include "linux/atspi/NotificationDaemon.h"
+#include "linux/atspi/PanelSurfaces.h"
 #include "linux/atspi/SharedFetches.h"
 #include "linux/atspi/Waker.h"
 #include "linux/atspi/WindowFetch.h"
@@ -90,6 +91,7 @@ private:
 
     X11Windows& windows_;
     atspi::Applications applications_;
+    atspi::PanelSurfaces panels_{applications_, windows_};
     atspi::SharedFetches fetches_;
     atspi::NotificationDaemon notificationDaemon_;
     std::mutex awakeMutex_;                      // guards the next one

@@ -81,4 +81,9 @@ std::optional<std::int32_t> dockProcess(const std::vector<X11Window>& windows, c
     return heaviest->first;
 }
 
+std::vector<std::int32_t> dockProcesses(X11Windows& windows) {
+    const auto dock = dockProcess(windows.onScreen(), windows.clients());
+    return dock ? std::vector{*dock} : std::vector<std::int32_t>();
+}
+
 }  // namespace tarvix

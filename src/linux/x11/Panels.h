@@ -26,4 +26,7 @@ std::vector<X11Window> panelsThatShow(const std::vector<X11Window>& windows);
 // `clients` are all windows that may have such a button.
 std::optional<std::int32_t> dockProcess(const std::vector<X11Window>& windows, const std::vector<X11Window>& clients);
 
+// The same as the X server has it now: none, or one.
+std::vector<std::int32_t> dockProcesses(X11Windows& windows);
+
 }  // namespace tarvix
