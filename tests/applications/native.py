@@ -123,7 +123,45 @@ class Gtk4(WidgetProbe):
         return {**super().environment(), "GIO_EXTRA_MODULES": str(self.path.parent)}
 
 
+class QtProbe(WidgetProbe):
+    def environment(self):
+        return {**super().environment(), "QT_QPA_GENERIC_PLUGINS": "tarvix-probe", "QT_PLUGIN_PATH": str(self.path.parent.parent)}
+
+
+class Qt5(QtProbe):
+    library = "qt5/generic/libprobe_qt5.so"
+
+
+class Qt6(QtProbe):
+    library = "qt6/generic/libprobe_qt6.so"
+
+
+QT6_TOOLS = "/usr/lib/qt6/bin/"
+
+TRANSLATIONS = """<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="de">
+<context>
+    <name>Garden</name>
+    <message><source>Seeds</source><translation>Samen</translation></message>
+    <message><source>Water</source><translation>Wasser</translation></message>
+    <message><source>Harvest</source><translation type="unfinished"></translation></message>
+</context>
+<context>
+    <name>Kitchen</name>
+    <message><source>Soup</source><translation>Suppe</translation></message>
+</context>
+</TS>
+"""
+
 APPLICATIONS = [
+    Application(name="featherpad", toolkit="Qt 5", packages=["featherpad"], command=["featherpad", "{folder}/notes.txt"],
+                files={"notes.txt": "Milk\nBread\nA dozen eggs\n"}, probe=Qt5),
+    Application(name="qpdfview", toolkit="Qt 5", packages=["qpdfview"], command=["qpdfview", "--unique"], probe=Qt5),
+    Application(name="qt6-linguist", toolkit="Qt 6", packages=["linguist-qt6"],
+                command=[QT6_TOOLS + "linguist", "{folder}/garden.ts"], files={"garden.ts": TRANSLATIONS}, probe=Qt6, quick=True),
+    Application(name="qt6-designer", toolkit="Qt 6", packages=["designer-qt6"], command=[QT6_TOOLS + "designer"], probe=Qt6),
+    Application(name="qt6-assistant", toolkit="Qt 6", packages=["assistant-qt6"], command=[QT6_TOOLS + "assistant"], probe=Qt6),
     Application(name="gtk4-widget-factory", toolkit="GTK 4", packages=["gtk-4-examples"], command=["gtk4-widget-factory"],
                 probe=Gtk4, unclicked=r"Page \d|Steal"),
     Application(name="gnome-calculator", toolkit="GTK 4", packages=["gnome-calculator"], command=["gnome-calculator"],

@@ -61,12 +61,13 @@ class Lister:
         self.process.wait(ANSWER_LIMIT)
 
 
-def await_rest(look, limit, what):
+def await_rest(look, limit, what, compared=lambda seen: seen):
     """What `look` sees once it has seen the same for some looks in a row; nothing seen (None) is never at rest."""
     deadline, seen, times = time.monotonic() + limit, None, 0
     while times < REST_LOOKS:
         now = look()
-        times = times + 1 if now is not None and now == seen else 0
+        same = now is not None and seen is not None and compared(now) == compared(seen)
+        times = times + 1 if same else 0
         seen = now
         if time.monotonic() > deadline:
             raise RunError(f"{what}: not at rest after {limit:.0f} seconds")
@@ -75,9 +76,14 @@ def await_rest(look, limit, what):
     return seen
 
 
+def places(seen):
+    """Where the counted controls are: what moves by itself, as a bar that is filled does, isn't waited for."""
+    return [(control.id, control.frame) for control in seen[1] if control.counted and control.seen == "whole"]
+
+
 class Run:
-    def __init__(self, application, program):
-        self.application = application
+    def __init__(self, application, program, say):
+        self.application, self.say = application, say
         self.folder = Path(tempfile.mkdtemp(prefix="application-"))
         self.lister = Lister(program)
         self.probe = application.probe(self.folder)
@@ -104,11 +110,11 @@ class Run:
         if not self.probe.is_ready(window):
             return None
         controls = self.probe.controls()
-        return (window, controls) if any(control.counted for control in controls) else None
+        return (window, controls) if places((window, controls)) else None
 
     def await_ready(self):
         try:
-            return await_rest(self.look, START_LIMIT, self.application.name)
+            return await_rest(self.look, START_LIMIT, self.application.name, places)
         except RunError as error:
             raise RunError(f"{error}\nactive window: {self.lister.window()}\n{self.output()}") from error
 
@@ -134,6 +140,7 @@ class Run:
             control, found = chosen
             tried.append((control.id, control.kind))
             clicked.append(control)
+            self.say(f"click     {control.frame} {control} ({control.id})")
             before = len(self.probe.clicks())
             self.lister.ask(f"click {found.number}")
             deadline = time.monotonic() + CLICK_LIMIT
@@ -196,7 +203,7 @@ def shortfalls(application, version, comparison, unconfirmed):
 
 def run(application, program, say=lambda text: None):
     """The application's row. Raises RunError where there can be none."""
-    here = Run(application, program)
+    here = Run(application, program, say)
     try:
         here.start()
         _, comparison = here.compare()
