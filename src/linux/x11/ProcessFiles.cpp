@@ -1,9 +1,11 @@
 #include "linux/x11/ProcessFiles.h"
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 #include <system_error>
 
 namespace tarvix {
@@ -17,6 +19,18 @@ std::string pathOf(std::int32_t pid, std::string_view file) {
 std::string contentOf(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
+}
+
+// By their names, which a version may follow.
+constexpr auto kInterpreters =
+    std::to_array<std::string_view>({"python", "perl", "ruby", "gjs-console", "gjs", "node", "php", "lua", "java",
+                                     "mono", "wish", "bash", "dash", "sh"});
+
+bool isInterpreter(std::string_view program) {
+    return std::ranges::any_of(kInterpreters, [program](std::string_view name) {
+        return program.starts_with(name) &&
+               program.find_first_not_of("0123456789.-", name.size()) == std::string_view::npos;
+    });
 }
 
 }  // namespace
@@ -46,6 +60,20 @@ std::string programName(std::int32_t pid) {
     if (!name.empty()) return name;
     std::string command = contentOf(pathOf(pid, "comm"));
     return command.substr(0, command.find('\n'));
+}
+
+std::string programOrScript(std::string_view program, const std::vector<std::string>& arguments) {
+    if (!isInterpreter(program)) return std::string(program);
+    for (std::size_t i = 1; i < arguments.size(); ++i)
+        if (!arguments[i].starts_with('-')) return std::filesystem::path(arguments[i]).filename().string();
+    return {};
+}
+
+std::string programOrScriptName(std::int32_t pid) {
+    std::istringstream line(contentOf(pathOf(pid, "cmdline")));
+    std::vector<std::string> arguments;
+    for (std::string argument; std::getline(line, argument, '\0');) arguments.push_back(argument);
+    return programOrScript(programName(pid), arguments);
 }
 
 std::optional<std::string> environmentVariable(std::int32_t pid, std::string_view name) {

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tarvix {
 
@@ -14,6 +15,8 @@ bool processIsAlive(std::int32_t pid);
 bool isStopped(std::int32_t pid);
 // The base name of its program.
 std::string programName(std::int32_t pid);
+// The same of a script that it runs, where its program only interprets scripts.
+std::string programOrScriptName(std::int32_t pid);
 // The whole path of its program, as the kernel knows it.
 std::string programPath(std::int32_t pid);
 // A variable of the environment that it was started with.
@@ -28,6 +31,8 @@ std::optional<std::string> snapOfEnvironment(std::int32_t pid);
 std::optional<std::string> appImageFolder(std::int32_t pid);
 
 // The same of texts.
+// Of a program's name and the arguments of its command line, the first of which is its own name.
+std::string programOrScript(std::string_view program, const std::vector<std::string>& arguments);
 std::optional<std::string> snapOfPath(std::string_view program);
 std::optional<std::string> snapOfControlGroup(std::string_view cgroup);
 std::optional<std::string> appImageFolderOfPath(std::string_view program);

@@ -34,7 +34,7 @@ std::optional<DesktopEntry> ProgramEntries::of(std::int32_t pid, const X11Window
         if (const auto entry = DesktopEntries::onlyIn(*folder)) return entry;
     if (const auto snap = snapOfEnvironment(pid))
         if (const auto entry = entries_.ofSnap(*snap)) return entry;
-    return entries_.ofProgram(programName(pid));
+    return entries_.ofProgram(programOrScriptName(pid));
 }
 
 DesktopEntry ProgramEntries::ofSnap(const std::string& snap) {

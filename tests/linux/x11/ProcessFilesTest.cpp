@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
+#include <sys/wait.h>
 #include <unistd.h>
+
+#include <csignal>
 
 #include "linux/x11/ProcessFiles.h"
 
@@ -35,13 +38,41 @@ TEST(ProcessFiles, AnAppImageIsKnownByTheFolderWhereItIsUnpacked) {
     EXPECT_EQ(appImageFolderOfPath("/tmp/.mount_alone"), std::nullopt);
 }
 
+TEST(ProcessFiles, AScriptIsKnownByItsOwnName) {
+    EXPECT_EQ(programOrScript("gedit", {"gedit", "a.txt"}), "gedit");
+    EXPECT_EQ(programOrScript("python3.11", {"/usr/bin/python3", "-E", "/usr/bin/terminator", "-x"}), "terminator");
+    EXPECT_EQ(programOrScript("python3.11", {"python3"}), "") << "it isn't Python's own window";
+    EXPECT_EQ(programOrScript("gjs-console", {"gjs", "/usr/bin/org.gnome.Weather"}), "org.gnome.Weather");
+    EXPECT_EQ(programOrScript("bash", {}), "");
+    EXPECT_EQ(programOrScript("shotwell", {"shotwell"}), "shotwell") << "it only begins like a shell";
+    EXPECT_EQ(programOrScript("nodejs-viewer", {"x", "y"}), "nodejs-viewer");
+}
+
 TEST(ProcessFiles, ThisVeryProcessIsNoPartOfAnyOfThem) {
     EXPECT_TRUE(processIsAlive(getpid()));
     EXPECT_EQ(programName(getpid()), "test_x11");
     EXPECT_TRUE(programPath(getpid()).ends_with("/test_x11"));
+    EXPECT_EQ(programOrScriptName(getpid()), "test_x11");
+    EXPECT_FALSE(isStopped(getpid()));
     EXPECT_EQ(flatpakId(getpid()), std::nullopt);
     EXPECT_EQ(snapOfProgram(getpid()), std::nullopt);
     EXPECT_EQ(appImageFolder(getpid()), std::nullopt);
+}
+
+TEST(ProcessFiles, AProcessThatWasStoppedIsKnownAsSuch) {
+    const pid_t pid = fork();
+    if (pid == 0) {
+        pause();
+        _exit(0);
+    }
+    EXPECT_FALSE(isStopped(pid));
+    kill(pid, SIGSTOP);
+    int status = 0;
+    waitpid(pid, &status, WUNTRACED);
+    EXPECT_TRUE(isStopped(pid));
+    kill(pid, SIGKILL);
+    waitpid(pid, &status, 0);
+    EXPECT_FALSE(isStopped(pid));
 }
 
 TEST(ProcessFiles, OfAProcessThatIsNotThereNothingIsKnown) {
