@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <string>
+
+#include "ax/AppCatalog.h"
 #include "linux/desktops/CatalogueAliases.h"
 
 namespace tarvix {
@@ -51,6 +54,13 @@ TEST(CatalogueAliases, ApplicationsAreFoundHoweverTheyWereInstalled) {
     };
     for (const Known& each : known) {
         EXPECT_EQ(catalogueIdentifier({each.id, each.windowClass}), each.identifier) << each.id;
+    }
+}
+
+TEST(CatalogueAliases, EachLeadsToARowOfTheCatalogue) {
+    for (const CatalogueAlias& alias : kCatalogueAliases) {
+        EXPECT_TRUE(AppCatalog::shared().detail(std::string(alias.bundleIdentifier))) << alias.name;
+        EXPECT_TRUE(std::ranges::none_of(alias.name, [](char c) { return c >= 'A' && c <= 'Z'; })) << alias.name;
     }
 }
 
