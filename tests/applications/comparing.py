@@ -103,10 +103,6 @@ class Comparison:
         return self.counted > 0 and not self.missed and not self.unseen
 
 
-def is_found_well(comparison):
-    return comparison.counted > 0 and len(comparison.found) >= 0.98 * comparison.counted and not comparison.unseen
-
-
 def compare(controls, candidates):
     result = Comparison()
     for control in controls:

@@ -110,7 +110,7 @@ def control(told):
 
 
 class Gtk3(WidgetProbe):
-    library = "libprobe_gtk3.so"
+    library = "gtk3/libprobe_gtk3.so"
 
     def environment(self):
         return {**super().environment(), "GTK_MODULES": str(self.path)}

@@ -46,6 +46,11 @@ class Row:
         return [self.name, self.toolkit, self.packages, str(self.controls), str(self.found), str(self.exact), str(self.unseen),
                 f"{self.confirmed} of {self.clicked}", f"{self.milliseconds:.1f}"]
 
+    def is_good(self):
+        """Nearly all found, nothing unseen, and every click where it was meant to go."""
+        return (self.controls > 0 and self.found >= 0.98 * self.controls and self.unseen == 0
+                and self.clicked > 0 and self.confirmed == self.clicked)
+
 
 def from_cells(cells):
     name, toolkit, packages, controls, found, exact, unseen, clicks, milliseconds = cells
