@@ -383,10 +383,10 @@ AxStatus SimulatedAccessibility::setAttribute(const UIElement& element, std::str
     const AxStatus status = strike("setAttribute", idOf(element));
     if (status != AxStatus::success) return status;
     const auto* truth = std::get_if<bool>(&value);
-    if (!truth) return AxStatus::attributeUnsupported;
-    const std::string what = idOf(element) < 0 ? "process " + std::to_string(applicationOfProcess0 - idOf(element))
-                                               : described(node(element).role, node(element).title);
-    journal_.note(Topic::accessibility, std::string(name) + " of " + what + (*truth ? " set" : " cleared"));
+    const bool isSwitch = name == ax::enhancedUserInterface || name == ax::manualAccessibility;
+    if (idOf(element) >= 0 || !isSwitch || !truth) return AxStatus::attributeUnsupported;
+    journal_.note(Topic::accessibility, std::string(name) + " of process " + std::to_string(node(element).pid) +
+                                            (*truth ? " set" : " cleared"));
     return AxStatus::success;
 }
 

@@ -116,7 +116,7 @@ public:
     AxResult<std::optional<UIElement>> elementAt(AxPoint point) override;
     // Noted in the journal when the element has the action.
     AxStatus perform(const UIElement& element, std::string_view action) override;
-    // Noted in the journal; what an element answers afterwards is what the test has set.
+    // An application's two switches alone, noted in the journal; what they read as afterwards is what the test has set.
     AxStatus setAttribute(const UIElement& element, std::string_view name, const AxValue& value) override;
     std::optional<std::int32_t> pid(const UIElement& element) override;
     std::optional<std::uint32_t> windowNumber(const UIElement& window) override;

@@ -19,8 +19,8 @@
 
 namespace tarvix {
 
-// A desktop with one application that has the focus: a titled window, and in it at least three titled buttons, each
-// with a place of its own.
+// A desktop with one application that has the focus: a titled window with a menu bar, and in it at least three titled
+// buttons, each with a place of its own.
 struct AccessibilitySubject {
     std::shared_ptr<void> world;  // owns the service
     AccessibilityService& service;
@@ -244,6 +244,71 @@ TEST_P(AccessibilityContract, AButtonCanBePressedAndDoesNotKnowEveryAction) {
     EXPECT_EQ(service.perform(buttons_.front(), "AXNoSuchAction"), AxStatus::actionUnsupported);
 }
 
+TEST_P(AccessibilityContract, TheWindowIsAmongThoseOfItsApplication) {
+    const UIElement application = service.application(subject_.pid);
+    const std::vector<UIElement> windows = listOf(service.readAhead(application)->attribute(application, ax::windows));
+    EXPECT_NE(std::find(windows.begin(), windows.end(), *window_), windows.end());
+    for (const UIElement& window : windows) EXPECT_EQ(service.pid(window), subject_.pid);
+}
+
+TEST_P(AccessibilityContract, AWindowOfAnApplicationsListHasAWalkOfItsOwn) {
+    const UIElement application = service.application(subject_.pid);
+    for (const UIElement& window : listOf(service.readAhead(application)->attribute(application, ax::windows))) {
+        if (!(window == *window_)) continue;
+        const std::unique_ptr<AccessibilityReads> walk = service.readAhead(window);
+        const auto frame = AXEngine2::readFrame(*walk, window);
+        ASSERT_TRUE(frame);
+        EXPECT_GE(AXEngine2::collectElements(*walk, window, *frame).size(), buttons_.size());
+    }
+}
+
+TEST_P(AccessibilityContract, TheMenuBarIsAnElementWhoseChildrenCanBeRead) {
+    const UIElement application = service.application(subject_.pid);
+    const std::unique_ptr<AccessibilityReads> walk = service.readAhead(application);
+    const AxResult<AxValue> bar = walk->attribute(application, ax::menuBar);
+    ASSERT_TRUE(bar.ok());
+    ASSERT_TRUE(std::holds_alternative<UIElement>(bar.value));
+    const std::vector<UIElement> items = listOf(walk->attribute(std::get<UIElement>(bar.value), ax::children));
+    EXPECT_FALSE(items.empty());
+    for (const UIElement& item : items) EXPECT_TRUE(AXEngine2::readElement(*walk, item));
+}
+
+TEST_P(AccessibilityContract, AnOrdinaryApplicationHasNoStatusItems) {
+    const UIElement application = service.application(subject_.pid);
+    EXPECT_FALSE(service.readAhead(application)->attribute(application, ax::extrasMenuBar).ok());
+}
+
+TEST_P(AccessibilityContract, ReadsAheadOfAProcessThatDoesNotExistFindNothing) {
+    for (const std::int32_t pid : {999'999'999, -1}) {
+        const UIElement nobody = service.application(pid);
+        const std::unique_ptr<AccessibilityReads> walk = service.readAhead(nobody);
+        ASSERT_TRUE(walk);
+        EXPECT_FALSE(walk->attribute(nobody, ax::menuBar).ok());
+        EXPECT_FALSE(walk->attribute(nobody, ax::extrasMenuBar).ok());
+        EXPECT_TRUE(listOf(walk->attribute(nobody, ax::visibleChildren)).empty());
+        EXPECT_TRUE(listOf(walk->attribute(nobody, ax::windows)).empty());
+    }
+}
+
+TEST_P(AccessibilityContract, BothSwitchesCanBeWrittenToAnApplicationAndNothingElse) {
+    const UIElement application = service.application(subject_.pid);
+    for (const std::string_view name : {ax::enhancedUserInterface, ax::manualAccessibility}) {
+        EXPECT_EQ(service.setAttribute(application, name, true), AxStatus::success);
+        EXPECT_EQ(service.setAttribute(application, name, "true"), AxStatus::attributeUnsupported);
+        EXPECT_EQ(service.setAttribute(buttons_.front(), name, true), AxStatus::attributeUnsupported);
+        EXPECT_EQ(service.setAttribute(*window_, name, true), AxStatus::attributeUnsupported);
+    }
+    EXPECT_EQ(service.setAttribute(application, "AXNoSuchAttribute", true), AxStatus::attributeUnsupported);
+    EXPECT_EQ(service.setAttribute(application, ax::title, true), AxStatus::attributeUnsupported);
+}
+
+TEST_P(AccessibilityContract, AWriteToAProcessThatDoesNotExistHarmsNobody) {
+    service.setAttribute(service.application(999'999'999), ax::manualAccessibility, true);
+    service.setAttribute(service.application(-1), ax::enhancedUserInterface, true);
+    const auto read = service.attribute(service.application(999'999'999), ax::enhancedUserInterface);
+    EXPECT_FALSE(read.value == AxValue(true));
+}
+
 TEST_P(AccessibilityContract, AProcessThatDoesNotExistHasNoWindow) {
     const UIElement nobody = service.application(999'999'999);
     EXPECT_FALSE(service.attribute(nobody, ax::focusedWindow).ok());
@@ -265,6 +330,9 @@ TEST_P(AccessibilityContract, WhatHasGoneFailsWithAStatus) {
     EXPECT_FALSE(walk->attribute(*window_, ax::role).ok());
     EXPECT_FALSE(AXEngine2::readElement(*walk, buttons_.front()));
     EXPECT_TRUE(AXEngine2::collectElements(*walk, *window_, {{0, 0}, {5000, 5000}}).empty());
+    const UIElement application = service.application(subject_.pid);
+    EXPECT_FALSE(service.readAhead(application)->attribute(application, ax::menuBar).ok());
+    EXPECT_TRUE(listOf(service.readAhead(application)->attribute(application, ax::windows)).empty());
 }
 
 GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(AccessibilityContract);

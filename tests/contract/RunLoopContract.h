@@ -3,7 +3,11 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <atomic>
+#include <cstddef>
+#include <functional>
+#include <utility>
 #include <vector>
 
 #include "platform/RunLoop.h"
@@ -89,6 +93,80 @@ TEST_P(RunLoopContract, ATaskThatIsCancelledBeforeItRunsStillRuns) {
     bool sawFlag = false;
     loop.inBackground([&, task] { loop.onMain([&, cancelled = task->isCancelled()] { sawFlag = cancelled; }); });
     EXPECT_TRUE(waitUntil([&] { return sawFlag; }));
+}
+
+// --- Bodies at the same time. Called from the background, as a search does.
+
+TEST_P(RunLoopContract, AllBodiesHaveRunWhenTheCallReturns) {
+    std::vector<int> results(7);
+    std::atomic<bool> allHadRun = false, returned = false;
+    loop.inBackground([&] {
+        std::vector<std::function<void()>> bodies;
+        for (std::size_t i = 0; i < results.size(); ++i) bodies.emplace_back([&, i] { results[i] = 1; });
+        loop.concurrently(std::move(bodies));
+        allHadRun = results == std::vector(results.size(), 1);
+        returned = true;
+    });
+    ASSERT_TRUE(waitUntil([&] { return returned.load(); }));
+    EXPECT_TRUE(allHadRun);
+}
+
+TEST_P(RunLoopContract, EachBodyRunsOnce) {
+    std::array<std::atomic<int>, 20> runs{};
+    std::atomic<bool> returned = false;
+    loop.inBackground([&] {
+        std::vector<std::function<void()>> bodies;
+        for (std::atomic<int>& each : runs) bodies.emplace_back([&each] { ++each; });
+        loop.concurrently(std::move(bodies));
+        returned = true;
+    });
+    ASSERT_TRUE(waitUntil([&] { return returned.load(); }));
+    for (const std::atomic<int>& each : runs) EXPECT_EQ(each, 1);
+}
+
+TEST_P(RunLoopContract, NoBodiesAndOneBodyReturnToo) {
+    std::atomic<bool> ran = false, returned = false;
+    loop.inBackground([&] {
+        loop.concurrently({});
+        loop.concurrently({[&] { ran = true; }});
+        returned = true;
+    });
+    ASSERT_TRUE(waitUntil([&] { return returned.load(); }));
+    EXPECT_TRUE(ran);
+}
+
+TEST_P(RunLoopContract, BodiesMayRunBodiesThemselves) {
+    std::atomic<int> innermost = 0;
+    std::atomic<bool> returned = false;
+    loop.inBackground([&] {
+        const auto inner = [&] { ++innermost; };
+        const auto outer = [&] { loop.concurrently({inner, inner, inner}); };
+        loop.concurrently({outer, outer, outer, outer});
+        returned = true;
+    });
+    ASSERT_TRUE(waitUntil([&] { return returned.load(); }));
+    EXPECT_EQ(innermost, 12);
+}
+
+TEST_P(RunLoopContract, ManyCallersAtOnceAllComeToAnEnd) {
+    constexpr int callers = 40;  // more than there are threads
+    std::atomic<int> bodies = 0, returned = 0;
+    for (int i = 0; i < callers; ++i)
+        loop.inBackground([&] {
+            const auto body = [&] { ++bodies; };
+            loop.concurrently({body, body, body, body, body});
+            ++returned;
+        });
+    ASSERT_TRUE(waitUntil([&] { return returned == callers; }));
+    EXPECT_EQ(bodies, 5 * callers);
+}
+
+TEST_P(RunLoopContract, ABodyHandsItsResultToTheMainQueueToo) {
+    int received = 0;
+    loop.inBackground([&] {
+        loop.concurrently({[&] { loop.onMain([&] { ++received; }); }, [&] { loop.onMain([&] { ++received; }); }});
+    });
+    EXPECT_TRUE(waitUntil([&] { return received == 2; }));
 }
 
 GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(RunLoopContract);

@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <optional>
+#include <thread>
 
 #include "platform/Screens.h"
 #include "tests/contract/Subject.h"
@@ -32,6 +34,13 @@ TEST_P(ScreensContract, TheMainScreenIsOneOfThem) {
     const auto frames = screens.frames();
     ASSERT_TRUE(screens.mainFrame());
     EXPECT_NE(std::find(frames.begin(), frames.end(), *screens.mainFrame()), frames.end());
+}
+
+TEST_P(ScreensContract, TheMainScreenIsTheSameForEveryThread) {
+    const auto here = screens.mainFrame();
+    std::optional<PanelRect> there;
+    std::thread([&] { there = screens.mainFrame(); }).join();
+    EXPECT_EQ(there, here);
 }
 
 TEST_P(ScreensContract, ThePointerStandsOnAScreen) {

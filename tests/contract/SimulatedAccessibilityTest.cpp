@@ -15,6 +15,7 @@ AccessibilitySubject simulated() {
               .children = {{.role = "AXButton", .title = "Archive", .frame = {{110, 210}, {60, 20}}},
                            {.role = "AXButton", .title = "Delete", .frame = {{210, 210}, {60, 20}}}}});
     desk->accessibility.set(window.element, ax::title, "Inbox");
+    desk->addMenuBar(window.pid, {{.role = "AXMenuBarItem", .title = "File", .frame = {{0, 0}, {40, 24}}}});
     return {desk, desk->accessibility, window.pid, "Inbox",
             [desk, pid = window.pid] { desk->accessibility.quit(pid); }};
 }

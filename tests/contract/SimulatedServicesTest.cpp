@@ -1,5 +1,6 @@
 // The simulated desktop keeps to the contracts.
 #include "simulated/Journal.h"
+#include "simulated/SimulatedDesktop.h"
 #include "simulated/SimulatedInputSources.h"
 #include "simulated/SimulatedPanels.h"
 #include "simulated/SimulatedRunLoop.h"
@@ -10,6 +11,7 @@
 #include "tests/contract/RunLoopContract.h"
 #include "tests/contract/ScreensContract.h"
 #include "tests/contract/UserDefaultsContract.h"
+#include "tests/contract/WorkspaceContract.h"
 
 namespace tarvix {
 namespace {
@@ -54,8 +56,15 @@ ContractSubject<InputSources> inputSources() {
     return {sources, *sources, atOnce};
 }
 
+WorkspaceSubject workspace() {
+    const auto desk = std::make_shared<SimulatedDesktop>();
+    const std::int32_t pid = desk->launch("Mail");
+    return {desk, desk->workspace, pid, [desk] { return desk->launch("Editor"); }, atOnce};
+}
+
 INSTANTIATE_TEST_SUITE_P(Simulated, RunLoopContract, testing::Values(runLoop));
 INSTANTIATE_TEST_SUITE_P(Simulated, UserDefaultsContract, testing::Values(userDefaults));
+INSTANTIATE_TEST_SUITE_P(Simulated, WorkspaceContract, testing::Values(workspace));
 INSTANTIATE_TEST_SUITE_P(Simulated, ScreensContract, testing::Values(screens));
 INSTANTIATE_TEST_SUITE_P(Simulated, PanelsContract, testing::Values(panels));
 INSTANTIATE_TEST_SUITE_P(Simulated, InputSourcesContract, testing::Values(inputSources));

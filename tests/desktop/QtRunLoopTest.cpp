@@ -2,8 +2,12 @@
 
 #include <QEventLoop>
 #include <array>
+#include <atomic>
+#include <functional>
 #include <memory>
 #include <thread>
+#include <utility>
+#include <vector>
 
 #include "qt/QtRunLoop.h"
 #include "tests/desktop/QtTest.h"
@@ -74,6 +78,51 @@ TEST_F(QtRunLoopTest, ALoopNestedInABlockGoesOnWithTheNextBlock) {
     loop.onMain([&] { order.push_back(2); });
     ASSERT_TRUE(runUntil([&] { return order.size() == 4; }));
     EXPECT_EQ(order, (std::vector<int>{1, 2, 3, 4}));
+}
+
+TEST_F(QtRunLoopTest, BodiesRunAtTheSameTimeAndNotOnTheMainThread) {
+    QtRunLoop loop;
+    constexpr int count = 5;
+    std::atomic<int> there = 0, met = 0;
+    std::atomic<bool> returned = false, wasMain = false;
+    const std::thread::id main = std::this_thread::get_id();
+    const auto meetTheOthers = [&] {
+        wasMain = wasMain || std::this_thread::get_id() == main;
+        ++there;
+        const auto end = std::chrono::steady_clock::now() + 10s;
+        while (there < count && std::chrono::steady_clock::now() < end) std::this_thread::sleep_for(1ms);
+        if (there == count) ++met;
+    };
+    loop.inBackground([&] {
+        loop.concurrently(std::vector<std::function<void()>>(count, meetTheOthers));
+        returned = true;
+    });
+    ASSERT_TRUE(runUntil([&] { return returned.load(); }));
+    EXPECT_EQ(met, count);
+    EXPECT_FALSE(wasMain);
+}
+
+TEST_F(QtRunLoopTest, TheSlowestBodyIsWaitedForWhoeverTakesIt) {
+    QtRunLoop loop;
+    for (int slowest = 0; slowest < 3; ++slowest) {
+        std::atomic<int> ended = 0, endedAtReturn = 0;
+        std::atomic<bool> returned = false;
+        loop.inBackground([&] {
+            std::vector<std::function<void()>> bodies;
+            for (int i = 0; i < 3; ++i)
+                bodies.emplace_back([&, i] {
+                    const auto end = std::chrono::steady_clock::now() + 10s;
+                    while (i == slowest && ended < 2 && std::chrono::steady_clock::now() < end)
+                        std::this_thread::sleep_for(1ms);
+                    ++ended;
+                });
+            loop.concurrently(std::move(bodies));
+            endedAtReturn = ended.load();
+            returned = true;
+        });
+        ASSERT_TRUE(runUntil([&] { return returned.load(); }));
+        EXPECT_EQ(endedAtReturn, 3) << slowest;
+    }
 }
 
 TEST_F(QtRunLoopTest, ATimerForOnceFiresOnce) {
