@@ -113,6 +113,7 @@ public:
         for (const int index : found_) take(index, names);
         addEmbedded();
         if (nodes_.empty()) addTasks();
+        for (PanelItem& item : items_) keepOffTheEdge(item);
         return std::move(items_);
     }
 
@@ -273,6 +274,14 @@ private:
             if (!mentions(node.name, client.windowClass)) add(node.description, client.windowClass, ", ");
         }
         std::ranges::move(tasks, std::back_inserter(items_));
+    }
+
+    // Status items that are parked, since there is no room for them, stand at the screen's left edge or beyond it, and
+    // are no candidates. What a panel shows there gives up its first column of pixels to be told from those.
+    void keepOffTheEdge(PanelItem& item) const {
+        AxRect& frame = item.node.frame;
+        if (item.row == PanelRow::dock || frame.minX() > panel_.window.clickable.minX() || frame.width() <= 1) return;
+        frame = {{frame.minX() + 1, frame.minY()}, {frame.width() - 1, frame.height()}};
     }
 
     static Node made(Role role, std::uint32_t window, AxRect frame, std::string_view word) {

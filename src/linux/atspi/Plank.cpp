@@ -17,6 +17,7 @@ constexpr const char* kRoot = "/net/launchpad/plank";
 constexpr const char* kItems = "net.launchpad.plank.Items";
 constexpr Milliseconds kLimit{150};
 constexpr std::size_t kMostItems = 200;
+constexpr std::size_t kLongestIntrospection = 100'000;  // bytes
 constexpr std::string_view kSuffix = ".desktop";
 
 Call callTo(const std::string& dock, const char* member) {
@@ -123,7 +124,7 @@ std::vector<PlankItem> readPlankItems() {
     Call docks = callTo(kRoot, "Introspect");
     docks.interface = "org.freedesktop.DBus.Introspectable";
     pipeline.send(std::move(docks), [&](sd_bus_message* reply) {
-        for (const std::string& dock : docksIn(readText(reply, kLongestTextBytes).value_or(""))) askItems(dock);
+        for (const std::string& dock : docksIn(readText(reply, kLongestIntrospection).value_or(""))) askItems(dock);
     });
     pipeline.run();
     return items;
