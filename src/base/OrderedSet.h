@@ -63,6 +63,17 @@ public:
         for (const T& element : other) insert(element);
     }
 
+    // The same with a set that isn't needed any more, whose elements are moved here unless others share them.
+    void unite(OrderedSet&& other) {
+        if (empty()) {
+            *this = std::move(other);
+        } else {
+            other.detach();
+            for (const Position position : other.order_) insert(std::move(other.store_->elements[position]));
+        }
+        other.clear();
+    }
+
     bool contains(const T& element) const { return !slots_.empty() && slots_[slotOf(element, Hash{}(element))] != 0; }
 
     // The elements at these positions, in that order. No position may come twice.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <utility>
 
 #include "platform/RunLoop.h"
 #include "platform/UserDefaults.h"
@@ -57,7 +58,7 @@ OrderedSet<AccessibilityElement> SearchEngine::candidates(std::int32_t pid) cons
     for (std::size_t i = 0; i < all.size(); ++i) bodies.emplace_back([&, i] { found[i] = all[i](); });
     runLoop_.concurrently(std::move(bodies));
     OrderedSet<AccessibilityElement> candidates;
-    for (const OrderedSet<AccessibilityElement>& each : found) candidates.unite(each);
+    for (OrderedSet<AccessibilityElement>& each : found) candidates.unite(std::move(each));
     return candidates;
 }
 

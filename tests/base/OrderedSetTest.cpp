@@ -7,6 +7,7 @@
 #include <random>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "base/OrderedSet.h"
@@ -64,6 +65,40 @@ TEST(OrderedSet, AUnionWithAnEmptySetTakesTheOtherAsItIs) {
     set.unite(other);
     EXPECT_EQ(set, other);
     EXPECT_EQ(set.stamp(), other.stamp());
+}
+
+TEST(OrderedSet, AUnionWithASetThatIsNotNeededAnyMoreIsTheSameAndEmptiesIt) {
+    OrderedSet<std::string> set = {"a", "b"};
+    OrderedSet<std::string> other = {"c", "a", "d"};
+    set.unite(std::move(other));
+    EXPECT_EQ(listed(set), (std::vector<std::string>{"a", "b", "c", "d"}));
+    EXPECT_TRUE(other.empty());
+    EXPECT_EQ(other.stamp(), 0u);
+    EXPECT_TRUE(other.insert("e"));
+    OrderedSet<std::string> empty;
+    empty.unite(std::move(other));
+    EXPECT_EQ(listed(empty), (std::vector<std::string>{"e"}));
+    EXPECT_TRUE(other.empty());
+    set.unite(OrderedSet<std::string>());
+    EXPECT_EQ(set.size(), 4u);
+}
+
+TEST(OrderedSet, AUnionTakesNothingFromThoseWhoShareWithTheOtherSet) {
+    const OrderedSet<std::string> original = {"a text that is long enough to be moved", "b", "another such long text"};
+    OrderedSet<std::string> some = original.subset(std::array<std::uint32_t, 2>{2, 0});
+    OrderedSet<std::string> set = {"x"};
+    set.unite(std::move(some));
+    EXPECT_EQ(listed(set), (std::vector<std::string>{"x", original[2], original[0]}));
+    EXPECT_EQ(original.front(), "a text that is long enough to be moved");
+    EXPECT_EQ(original.back(), "another such long text");
+}
+
+TEST(OrderedSet, AUnionWithTheRestOfASetTakesOnlyWhatIsInIt) {
+    OrderedSet<std::string> some =
+        OrderedSet<std::string>{"a", "b", "c"}.subset(std::array<std::uint32_t, 2>{2, 0});  // nobody else has the rest
+    OrderedSet<std::string> set = {"x"};
+    set.unite(std::move(some));
+    EXPECT_EQ(listed(set), (std::vector<std::string>{"x", "c", "a"}));
 }
 
 TEST(OrderedSet, AnEmptySetHoldsNothing) {
