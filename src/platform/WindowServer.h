@@ -12,9 +12,9 @@ namespace tarvix {
 
 struct WindowInfo {
     std::uint32_t number = 0;
-    std::int32_t ownerPid = -1;
-    std::string ownerName;  // "Dock" for the desktop's dock, whatever program it is
-    int layer = 0;          // 25 for panels that host status items
+    std::int32_t ownerPid = -1;  // of no known process
+    std::string ownerName;       // "Dock" for the desktop's dock, whatever program it is
+    int layer = 0;               // 25 for panels that host status items
     AxRect bounds;
     friend bool operator==(const WindowInfo&, const WindowInfo&) = default;
 };

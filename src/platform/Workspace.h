@@ -15,7 +15,7 @@ namespace tarvix {
 struct RunningApplication {
     std::int32_t processIdentifier = -1;
     std::optional<std::string> bundleIdentifier;  // the desktop file's id, or the catalogue's identifier for it
-    std::string localizedName;
+    std::string localizedName;                    // empty where it is not known
     friend bool operator==(const RunningApplication&, const RunningApplication&) = default;
 };
 
