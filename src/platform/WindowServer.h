@@ -12,7 +12,7 @@ namespace tarvix {
 
 struct WindowInfo {
     std::uint32_t number = 0;
-    std::int32_t ownerPid = -1;  // of no known process
+    std::int32_t ownerPid = -1;  // -1 where it is not known
     std::string ownerName;       // "Dock" for the desktop's dock, whatever program it is
     int layer = 0;               // 25 for panels that host status items
     AxRect bounds;
