@@ -44,13 +44,14 @@ Toolkit toolkitNamed(const std::string& toolkit, const std::string& application)
     if (toolkit == "Chromium") return Toolkit::chromium;
     if (toolkit == "Gecko") return Toolkit::gecko;
     if (toolkit == "clutter") return Toolkit::clutter;
+    if (toolkit == "J2SE-access-bridge") return Toolkit::java;
     return Toolkit::other;
 }
 
 // The ATK bridge, which these stand on, is the one that offers a socket of the application's own.
 bool offersSocket(Toolkit toolkit) {
     return toolkit == Toolkit::gtk3 || toolkit == Toolkit::libreOffice || toolkit == Toolkit::chromium ||
-           toolkit == Toolkit::gecko || toolkit == Toolkit::clutter;
+           toolkit == Toolkit::gecko || toolkit == Toolkit::clutter || toolkit == Toolkit::java;
 }
 
 }  // namespace

@@ -20,7 +20,7 @@ struct Reference {
     friend bool operator==(const Reference&, const Reference&) = default;
 };
 
-enum class Toolkit : std::uint8_t { gtk3, gtk4, qt, chromium, gecko, libreOffice, clutter, other };
+enum class Toolkit : std::uint8_t { gtk3, gtk4, qt, chromium, gecko, libreOffice, clutter, java, other };
 
 // A box as the toolkit reports it, in its own units and relative to its own origin.
 struct RawBox {

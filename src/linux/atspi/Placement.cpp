@@ -88,6 +88,7 @@ Placement place(Toolkit toolkit, const X11Window& window, RawBox frame) {
             return {0, 0, scale, scale};
         }
         case Toolkit::clutter:
+        case Toolkit::java:
         case Toolkit::other:
             break;
     }

@@ -341,7 +341,9 @@ bool wantsText(Toolkit toolkit, const Node& node) {
     if (toolkit == Toolkit::gecko)
         return isTextCarrier(node) || node.role == Role::label || node.role == Role::staticText ||
                node.role == Role::tableCell || node.role == Role::caption;
-    if (toolkit == Toolkit::libreOffice) return node.role == Role::tableCell || node.role == Role::paragraph;
+    if (toolkit == Toolkit::libreOffice)
+        return node.role == Role::tableCell || node.role == Role::paragraph ||
+               (node.role == Role::label && node.name.empty());  // the fields of its status bar
     return false;
 }
 

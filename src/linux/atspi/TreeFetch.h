@@ -122,6 +122,8 @@ private:
     void nameTabs();
     void markTitleBar();
     void straightenLibreOffice();
+    void heightenHeaders();
+    void describeButtons();
     void clipFrames();
 
     Pipeline& pipeline_;
