@@ -31,6 +31,7 @@ struct Menu {
     std::uint8_t button;
     const char* query;
     const char* entry;
+    std::vector<std::string> more = {};
     friend void PrintTo(const Menu& menu, std::ostream* out) { *out << menu.name; }
 };
 
@@ -44,6 +45,12 @@ const Menu kMenus[] = {
     {"Gtk4DropDown", "gtk4-menus.py", "combo box", 1, "tansy", "Tansy"},
     {"Qt6MenuBar", "qt6-menus.py", "Acorn", 1, "prune", "Prune"},
     {"Qt6Combo", "qt6-menus.py", "combo box", 1, "tansy", "Tansy"},
+    // These hang out of their windows.
+    {"Gtk3MenuBarOfALowWindow", "gtk3-menus.py", "Acorn", 1, "prune", "Prune", {"low"}},
+    {"Gtk3ComboOfALowWindow", "gtk3-menus.py", "combo box", 1, "teasel", "Teasel", {"low"}},
+    {"Gtk4MenuBarOfALowWindow", "gtk4-menus.py", "Acorn", 1, "prune", "Prune", {"low"}},
+    {"Qt6MenuBarOfALowWindow", "qt6-menus.py", "Acorn", 1, "prune", "Prune", {"low"}},
+    {"Qt6ComboOfALowWindow", "qt6-menus.py", "combo box", 1, "teasel", "Teasel", {"low"}},
 };
 const Menu kSecret[] = {{"Qt6ContextMenu", "qt6-menus.py", "ground", 3, "", ""}};
 
@@ -71,7 +78,7 @@ protected:
     }
 
     Keyboard keyboard_;
-    Fixture fixture_{GetParam().script};
+    Fixture fixture_{GetParam().script, GetParam().more};
     Program program_{TARVIX_PROGRAM};
 };
 

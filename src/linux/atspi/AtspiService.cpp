@@ -229,7 +229,7 @@ std::optional<Surface> AtspiService::surfaceOf(std::int32_t pid, std::string_vie
     if (attribute != ax::menuBar) return std::nullopt;
     const std::optional<X11Window> window = windowOf(pid);
     const SharedFetches::Tree tree = window ? fetchFor(SharedFetches::Reader::menuBar, *window) : nullptr;
-    const std::optional<int> menuBar = tree ? menuBarIn(tree->nodes) : std::nullopt;
+    const std::optional<int> menuBar = tree ? menuBarIn(tree->nodes, tree->application.toolkit) : std::nullopt;
     if (!menuBar) return std::nullopt;
     return Surface{std::make_shared<TreeReads>(tree, *window), *menuBar};
 }

@@ -5,6 +5,8 @@
 #include <cmath>
 #include <vector>
 
+#include "linux/atspi/Placement.h"
+
 namespace tarvix::atspi {
 
 namespace {
@@ -106,6 +108,28 @@ std::optional<FrameMatch> obviousFrameOf(const X11Window& window, std::span<cons
         only = FrameMatch{f, found};
     }
     return only && only->likeness.title && only->likeness.shape ? only : std::nullopt;
+}
+
+bool mayBePopup(const FrameTraits& frame) {
+    return frame.isShowing && frame.role != Role::toolTip && (frame.isPopup || frame.title.empty()) && frame.box &&
+           isSane(*frame.box) && frame.box->width > 0 && frame.box->height > 0;
+}
+
+std::vector<std::size_t> popupsBeside(std::size_t own, std::span<const WindowTraits> windows,
+                                      std::span<const FrameTraits> frames) {
+    std::vector<std::size_t> popups;
+    for (std::size_t f = 0; f < frames.size(); ++f) {
+        if (f == own || !mayBePopup(frames[f])) continue;
+        const bool isSeen = std::ranges::any_of(windows, [&](const WindowTraits& each) {
+            const X11Window& window = each.window;
+            const bool isOther = std::ranges::count(window.types, "TOOLTIP") + std::ranges::count(window.types, "DND") +
+                                     std::ranges::count(window.types, "NOTIFICATION") >
+                                 0;
+            return window.isOverrideRedirect && !isOther && likeness(frames[f], each).place;
+        });
+        if (isSeen) popups.push_back(f);
+    }
+    return popups;
 }
 
 bool maySpeakFor(const Likeness& likeness) {

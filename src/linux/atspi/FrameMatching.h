@@ -5,6 +5,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "linux/atspi/Node.h"
 #include "linux/x11/X11Windows.h"
@@ -56,6 +57,15 @@ std::optional<FrameMatch> frameOf(std::size_t asked, std::span<const WindowTrait
 // The same without a look at the other windows, where one frame alone has the window's title and size; absent where
 // it takes that look.
 std::optional<FrameMatch> obviousFrameOf(const X11Window& window, std::span<const FrameTraits> frames);
+
+// Which of an application's other frames are popups of its windows: those that are open and stand where a window does
+// that no manager has placed there. `own` is the frame that they are popups of.
+std::vector<std::size_t> popupsBeside(std::size_t own, std::span<const WindowTraits> windows,
+                                      std::span<const FrameTraits> frames);
+
+// Whether a frame may be open as a popup, so that a look at the windows is worth it: windows of another kind have
+// titles.
+bool mayBePopup(const FrameTraits& frame);
 
 // Whether a frame may be the window although its application is, by its process, another: what a sandbox has between
 // itself and the bus has a process of its own.

@@ -6,6 +6,7 @@
 
 #include "linux/atspi/LongList.h"
 #include "linux/atspi/ManagedTable.h"
+#include "linux/atspi/Popups.h"
 #include "linux/atspi/Replies.h"
 #include "linux/atspi/Translation.h"
 
@@ -43,18 +44,6 @@ bool isGtk4Clipper(Role role) {
            role == Role::listBox;
 }
 
-// A window of its own in the tree of another: its parent's box says nothing of it.
-bool isSurface(Role role) {
-    return role == Role::window || role == Role::dialog || role == Role::popupMenu || role == Role::menu ||
-           role == Role::toolTip || role == Role::frame || role == Role::alert;
-}
-
-// Under which there may be a menu or a list in a window of its own.
-bool opensPopup(const Node& node) {
-    return node.role == Role::menuItem || node.role == Role::menu ||
-           (node.role == Role::comboBox && node.has(State::expanded));
-}
-
 constexpr AxRect kEverywhere{{-1e6, -1e6}, {2e6, 2e6}};
 constexpr double kWidestPopoverBorder = 64;
 
@@ -68,15 +57,6 @@ bool mayBeLong(const Node& node) {
 bool saysNothing(const Node& node) {
     return node.inWebContent && node.role == Role::staticText && node.childCount == 0 && isBullet(node.name);
 }
-
-// In LibreOffice, whose other parts are drawn by itself.
-bool isGtkPart(const Node& node) {
-    const std::string* toolkit = node.attribute("toolkit");
-    return toolkit && *toolkit == "gtk";
-}
-
-// LibreOffice has a menu bar of its own below GTK's, which is never shown.
-bool isUndrawnMenuBar(const Node& node) { return node.role == Role::menuBar && node.raw && node.raw->height == 0; }
 
 bool isEmpty(RawBox box) { return box.width <= 0 || box.height <= 0; }
 
@@ -94,8 +74,6 @@ const Manner& mannerOf(Toolkit toolkit) {
     // Not what it is made of: the parents that LibreOffice's items name are not those of its tree.
     static constexpr Manner atk{true, true, true, false, false, false, false, false};
     static constexpr Manner web{true, false, true, false, true, false, false, false};
-    // Its lists and tables make an object for each of their cells that is listed.
-    static constexpr Manner java{true, true, true, false, true, false, false, false};
     static constexpr Manner gtk4{true, true, false, false, false, true, true, false};
     static constexpr Manner careful{false, true, true, true, false, false, false, false};
     switch (toolkit) {
@@ -107,8 +85,6 @@ const Manner& mannerOf(Toolkit toolkit) {
         case Toolkit::chromium:
         case Toolkit::gecko:
             return web;
-        case Toolkit::java:
-            return java;
         case Toolkit::gtk4:
             return gtk4;
         case Toolkit::qt:
@@ -152,8 +128,6 @@ void TreeFetch::finish() {
     if (tree_.empty()) return;
     addTextElements();
     markTitleBar();
-    if (application_.toolkit == Toolkit::java) heightenHeaders();
-    if (application_.toolkit == Toolkit::libreOffice) describeButtons();
     clipFrames();
 }
 
@@ -344,8 +318,18 @@ bool TreeFetch::isWithinClip(int index) const {
     if (!isSane(*node.raw)) return false;
     // What GTK 4 doesn't show has no size, once it has been hidden or before it was ever laid out.
     if (application_.toolkit == Toolkit::gtk4 && isEmpty(*node.raw)) return false;
-    return isEmpty(*node.raw) || isSurface(node.role) ||
-           intersects(node.frame, work_[static_cast<std::size_t>(index)].clip);
+    return isEmpty(*node.raw) || isSurface(node) || intersects(node.frame, work_[static_cast<std::size_t>(index)].clip);
+}
+
+// Firefox gives the second combo box that it hangs a page's open list on a box of -1 all over. What that holds is there
+// all the same.
+void TreeFetch::openUnplaced(int index) {
+    Node& node = tree_[static_cast<std::size_t>(index)];
+    const bool isOpenList =
+        application_.toolkit == Toolkit::gecko && node.role == Role::comboBox && node.has(State::expanded);
+    if (!isOpenList || !node.raw || isSane(*node.raw)) return;
+    node.role = Role::panel;
+    node.raw.reset();
 }
 
 void TreeFetch::askFields(int index) {
@@ -408,10 +392,10 @@ void TreeFetch::askChildren(int index, void (TreeFetch::*next)(int)) {
 
 void TreeFetch::onFields(int index) {
     const auto i = static_cast<std::size_t>(index);
+    openUnplaced(index);
     Node& node = tree_[i];
     if (index != 0 && (node.role == Role::invalid || !isWithinClip(index) ||
-                       (application_.toolkit == Toolkit::chromium && saysNothing(node)) ||
-                       (application_.toolkit == Toolkit::libreOffice && isUndrawnMenuBar(node)))) {
+                       (application_.toolkit == Toolkit::chromium && saysNothing(node)))) {
         node.shows = false;
         return;
     }
@@ -486,7 +470,7 @@ AxRect TreeFetch::clipBelow(int index) const {
     const Node& node = tree_[static_cast<std::size_t>(index)];
     const AxRect clip = work_[static_cast<std::size_t>(index)].clip;
     if (index == 0 || !node.raw || isEmpty(*node.raw)) return clip;
-    if (isSurface(node.role) || opensPopup(node) || isPopover(node)) return kEverywhere;
+    if (isSurface(node) || opensPopup(node) || isPopover(node)) return kEverywhere;
     const bool clips = manner_.clipsByEveryBox || (node.inWebContent && node.role == Role::listBox) ||
                        isScroller(node.role) || (!manner_.showingIsTold && isGtk4Clipper(node.role));
     return clips ? intersection(clip, node.frame) : clip;
@@ -568,15 +552,24 @@ void TreeFetch::askOwnTexts(int index) {
         call.integers[0] = stretch.start;
         call.integers[1] = stretch.end;
         call.integers[2] = static_cast<std::int32_t>(Coordinates::screen);
-        // Gecko takes a child right after the end for a part of the range; the last character is given up for it.
-        if (stretch.touchesNext && stretch.end - stretch.start > 1) --call.integers[1];
+        const bool touches = stretch.touchesNext && stretch.end - stretch.start > 1;
         node.ownTexts.push_back({std::move(stretch), {}});
-        pipeline_.send(std::move(call), [this, i, k](sd_bus_message* reply) {
+        const auto answer = [this, i, k](sd_bus_message* reply) {
             RawBox box;
-            if (reply && sd_bus_message_read(reply, "iiii", &box.x, &box.y, &box.width, &box.height) > 0 &&
-                !isEmpty(box) && isSane(box))
-                tree_[i].ownTexts[k].box = placement_.toRoot(box, tree_[i].inWebContent);
-        });
+            if (!reply || sd_bus_message_read(reply, "iiii", &box.x, &box.y, &box.width, &box.height) <= 0 ||
+                isEmpty(box) || !isSane(box))
+                return;
+            const AxRect at = placement_.toRoot(box, tree_[i].inWebContent);
+            std::optional<AxRect>& known = tree_[i].ownTexts[k].box;
+            known = known ? unite(*known, at) : at;
+        };
+        if (touches) {
+            // Gecko takes a child right after the end for a part of the range.
+            Call last = call;
+            last.integers[0] = --call.integers[1];
+            pipeline_.send(std::move(last), answer);
+        }
+        pipeline_.send(std::move(call), answer);
     }
 }
 
@@ -650,10 +643,7 @@ void TreeFetch::dropHiddenPages() {
     }
 }
 
-// GTK 4.8 names its widgets by their types.
-bool TreeFetch::isPopover(const Node& node) const {
-    return application_.toolkit == Toolkit::gtk4 && (node.name == "GtkPopover" || node.name == "GtkPopoverMenu");
-}
+bool TreeFetch::isPopover(const Node& node) const { return atspi::isPopover(application_.toolkit, node); }
 
 bool TreeFetch::hasPopovers() const {
     return std::any_of(tree_.begin(), tree_.end(), [this](const Node& node) { return node.shows && isPopover(node); });
@@ -697,20 +687,19 @@ void TreeFetch::placePopover(int index, const std::vector<AxRect>& windows) {
 
 // The drawn-by-itself part of a LibreOffice window reports boxes that are off by the height of the menu bar until a
 // pointer event has reached the window (7.4 and 25.2): the GTK panel around its root pane tells by how much.
-// Its parts that are GTK's own are where they say.
 void TreeFetch::straightenLibreOffice() {
     for (std::size_t i = 0; i < tree_.size(); ++i) {
         const Node& pane = tree_[i];
         if (pane.role != Role::rootPane || pane.parent < 0) continue;
         const Node& panel = tree_[static_cast<std::size_t>(pane.parent)];
-        if (!isGtkPart(panel) || !panel.raw || !pane.raw) continue;
+        const std::string* toolkit = panel.attribute("toolkit");
+        if (!toolkit || *toolkit != "gtk" || !panel.raw || !pane.raw) continue;
         const double dx = panel.frame.origin.x - pane.frame.origin.x;
         const double dy = panel.frame.origin.y - pane.frame.origin.y;
         std::vector<int> below{static_cast<int>(i)};
         while (!below.empty()) {
             Node& node = tree_[static_cast<std::size_t>(below.back())];
             below.pop_back();
-            if (isGtkPart(node)) continue;
             node.frame.origin.x += dx;
             node.frame.origin.y += dy;
             below.insert(below.end(), node.children.begin(), node.children.end());
@@ -791,26 +780,6 @@ void TreeFetch::markTitleBar() {
     for (Node& node : tree_) node.inTitleBar = node.inTitleBar || node.frame.maxY() <= visible_.minY() + kTallestBar;
 }
 
-// The buttons of a side bar are pictures whose words are those of the panel around each.
-void TreeFetch::describeButtons() {
-    for (Node& node : tree_) {
-        if ((node.role != Role::toggleButton && node.role != Role::pushButton) || node.parent < 0) continue;
-        const Node& panel = tree_[static_cast<std::size_t>(node.parent)];
-        if (node.name.empty() && node.description.empty() && panel.role == Role::panel && panel.childCount == 1)
-            node.description = panel.description;
-    }
-}
-
-// Java's bridge gives the headers of a table's columns no height; it is that of their bar.
-void TreeFetch::heightenHeaders() {
-    for (Node& node : tree_) {
-        if (node.role != Role::label || node.parent < 0 || node.frame.size.height > 0) continue;
-        const AxRect bar = tree_[static_cast<std::size_t>(node.parent)].frame;
-        node.frame.origin.y = bar.origin.y;
-        node.frame.size.height = bar.size.height;
-    }
-}
-
 // A control that is half scrolled away is where its visible half is: a click at the middle of its whole box would miss
 // it.
 void TreeFetch::clipFrames() {
@@ -819,7 +788,7 @@ void TreeFetch::clipFrames() {
         // The page of a stack has no box in GTK 4; it is where the stack is.
         if (!node.raw && node.parent >= 0 && !node.synthetic)
             node.frame = tree_[static_cast<std::size_t>(node.parent)].frame;
-        if (!node.shows || !node.raw || isEmpty(*node.raw) || isSurface(node.role)) continue;
+        if (!node.shows || !node.raw || isEmpty(*node.raw) || isSurface(node)) continue;
         if (const AxRect rest = intersection(node.frame, work_[i].clip); !rest.isNull()) node.frame = rest;
     }
 }

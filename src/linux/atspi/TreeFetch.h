@@ -98,6 +98,7 @@ private:
     void askRoleWord(int index);
     void askOwnTexts(int index);
     void askSelectedChild(int index);
+    void openUnplaced(int index);
     void descend(int index);
     void place(int index);
     bool showsByState(const Node& node) const;
@@ -122,8 +123,6 @@ private:
     void nameTabs();
     void markTitleBar();
     void straightenLibreOffice();
-    void heightenHeaders();
-    void describeButtons();
     void clipFrames();
 
     Pipeline& pipeline_;

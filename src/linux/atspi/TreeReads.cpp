@@ -69,6 +69,10 @@ std::vector<UIElement> TreeReads::childrenOf(const Node& node) const {
 
 AxResult<AxValue> TreeReads::read(const Node& node, std::string_view name) const {
     const bool isWindow = &node == &tree_->nodes.front();
+    if (isWindow && tree_->reach) {
+        if (name == ax::position) return {AxStatus::success, tree_->reach->origin};
+        if (name == ax::size) return {AxStatus::success, tree_->reach->size};
+    }
     if (isWindow)
         if (std::optional<AxValue> known = windowAttribute(window_, name))
             return {AxStatus::success, std::move(*known)};

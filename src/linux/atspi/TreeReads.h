@@ -12,7 +12,8 @@
 namespace tarvix::atspi {
 
 // The reads of one walk over one tree, for one thread; the tree itself may be read by several. The window's own
-// position and size are the X server's.
+// position and size are the X server's, with the open popups that hang out of it: a walk leaves out what lies outside
+// of its window.
 class TreeReads : public AccessibilityReads {
 public:
     TreeReads(std::shared_ptr<const WindowTree> tree, X11Window window);

@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "linux/atspi/FrameMatching.h"
+#include "linux/atspi/Popups.h"
 #include "linux/atspi/Replies.h"
 #include "linux/atspi/TreeFetch.h"
 
@@ -16,7 +17,7 @@ constexpr const char* kAccessible = "org.a11y.atspi.Accessible";
 constexpr Milliseconds kFirstContact{2000};  // a browser makes its tree within that
 constexpr Milliseconds kBetweenReads{60};
 constexpr int kSteady = 3;
-constexpr Milliseconds kStrangers{150};  // for a look at all of them
+constexpr Milliseconds kStrangers{400};  // for a look at all of them
 constexpr std::size_t kBareFrame = 8;    // what a browser shows before its tree is made
 
 struct FrameCandidate {
@@ -55,10 +56,6 @@ void askFrame(Pipeline& pipeline, const Lease& lease, Toolkit toolkit, FrameCand
     box.integers[0] = static_cast<std::int32_t>(coordinatesOf(toolkit));
     traits.isPlaced = coordinatesOf(toolkit) == Coordinates::screen;
     pipeline.send(std::move(box), [&traits](sd_bus_message* r) { traits.box = readBox(r); });
-}
-
-bool isOpen(const FrameTraits& popup) {
-    return popup.isShowing && popup.box && isSane(*popup.box) && popup.box->width > 0 && popup.box->height > 0;
 }
 
 // A window among those that its process has on the screen. They are looked up when it takes them.
@@ -128,9 +125,10 @@ std::optional<Found> findFrameOn(const Application& application, Lease& lease, P
     if (!match) match = frameOf(0, surroundings.ofProcess(), traits);
     if (!match) return std::nullopt;
     Found found{{application, frames[match->frame].reference, *traits[match->frame].box, {}}, match->likeness};
-    for (std::size_t i = 0; i < frames.size(); ++i)
-        if (i != match->frame && traits[i].isPopup && isOpen(traits[i]) && surroundings.hasPopups())
-            found.frame.popups.push_back(frames[i].reference);
+    traits[match->frame].isShowing = false;  // not among its own popups
+    if (surroundings.knowsScreen() && std::ranges::any_of(traits, mayBePopup) && surroundings.hasPopups())
+        for (const std::size_t popup : popupsBeside(match->frame, surroundings.ofProcess(), traits))
+            found.frame.popups.push_back(frames[popup].reference);
     return found;
 }
 
@@ -194,9 +192,11 @@ private:
             tree.addPopups(frame->popups);
             if (options_.screen && tree.hasPopovers()) tree.placePopovers(popupsOf(*options_.screen));
             tree.finish();
+            NodeTree& nodes = result.nodes = tree.takeTree();
+            if (options_.screen && hangsOut(nodes, application_.toolkit, window_.visible()))
+                result.reach = letHangOut(nodes, application_.toolkit, window_.visible(), popupsOf(*options_.screen));
             applications_.keepRoleWords(application_.bus, tree.roleWords());
             applications_.keepPaddings(application_.bus, tree.paddings());
-            result.nodes = tree.takeTree();
         }
         result.calls = pipeline.sent();
         isCutOff_ = pipeline.timedOut() || pipeline.lost();

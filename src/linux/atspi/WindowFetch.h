@@ -13,9 +13,10 @@ namespace tarvix::atspi {
 struct WindowTree {
     Application application;
     Placement placement;
-    NodeTree nodes;            // index 0 is the frame
-    std::size_t calls = 0;     // bus calls that it took, those to the bus and the registry not counted
-    std::vector<Call> record;  // these calls, when asked to be kept
+    NodeTree nodes;               // index 0 is the frame
+    std::optional<AxRect> reach;  // of the window with the popups that hang out of it, where some do
+    std::size_t calls = 0;        // bus calls that it took, those to the bus and the registry not counted
+    std::vector<Call> record;     // these calls, when asked to be kept
 };
 
 struct FetchOptions {

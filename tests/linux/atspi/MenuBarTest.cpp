@@ -21,27 +21,40 @@ NodeTree windowWithMenuBar(double height) {
 }
 
 TEST(MenuBar, IsTheOneThatShows) {
-    EXPECT_EQ(menuBarIn(windowWithMenuBar(25)), 1);
+    EXPECT_EQ(menuBarIn(windowWithMenuBar(25), Toolkit::chromium), 1);
     NodeTree hidden = windowWithMenuBar(25);
     hidden[1].shows = false;
-    EXPECT_EQ(menuBarIn(hidden), std::nullopt);
+    EXPECT_EQ(menuBarIn(hidden, Toolkit::chromium), std::nullopt);
 }
 
-TEST(MenuBar, WithoutAnyHeightIsNone) { EXPECT_EQ(menuBarIn(windowWithMenuBar(0)), std::nullopt); }
+TEST(MenuBar, WithoutAnyHeightIsNone) { EXPECT_EQ(menuBarIn(windowWithMenuBar(0), Toolkit::chromium), std::nullopt); }
 
 TEST(MenuBar, WithoutAMenuIsNone) {
     NodeTree tree = windowWithMenuBar(25);
     tree[1].children.clear();
-    EXPECT_EQ(menuBarIn(tree), std::nullopt);
+    EXPECT_EQ(menuBarIn(tree, Toolkit::chromium), std::nullopt);
 }
 
 TEST(MenuBar, OfAWebPageIsNotItsWindows) {
     NodeTree tree = windowWithMenuBar(25);
     tree[1].inWebContent = true;
-    EXPECT_EQ(menuBarIn(tree), std::nullopt);
+    EXPECT_EQ(menuBarIn(tree, Toolkit::chromium), std::nullopt);
 }
 
-TEST(MenuBar, OfAnEmptyTreeThereIsNone) { EXPECT_EQ(menuBarIn({}), std::nullopt); }
+TEST(MenuBar, AnOpenMenuThatCallsItselfABarIsNone) {
+    const NodeTree bar = windowWithMenuBar(25);
+    NodeTree tree = {bar[0], bar[0], bar[1], bar[2]};
+    tree[1].parent = 0;
+    tree[1].children = {2};
+    tree[2].parent = 1;
+    tree[2].children = {3};
+    tree[3].parent = 2;
+    EXPECT_EQ(menuBarIn(tree, Toolkit::chromium), std::nullopt);
+    tree[1].role = Role::panel;
+    EXPECT_EQ(menuBarIn(tree, Toolkit::chromium), 2);
+}
+
+TEST(MenuBar, OfAnEmptyTreeThereIsNone) { EXPECT_EQ(menuBarIn({}, Toolkit::chromium), std::nullopt); }
 
 }  // namespace
 }  // namespace tarvix::atspi
