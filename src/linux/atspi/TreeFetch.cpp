@@ -58,6 +58,15 @@ bool saysNothing(const Node& node) {
     return node.inWebContent && node.role == Role::staticText && node.childCount == 0 && isBullet(node.name);
 }
 
+// In LibreOffice, whose other parts are drawn by itself.
+bool isGtkPart(const Node& node) {
+    const std::string* toolkit = node.attribute("toolkit");
+    return toolkit && *toolkit == "gtk";
+}
+
+// LibreOffice has a menu bar of its own below GTK's, which is never shown.
+bool isUndrawnMenuBar(const Node& node) { return node.role == Role::menuBar && node.raw && node.raw->height == 0; }
+
 bool isEmpty(RawBox box) { return box.width <= 0 || box.height <= 0; }
 
 AxRect intersection(AxRect a, AxRect b) {
@@ -74,6 +83,8 @@ const Manner& mannerOf(Toolkit toolkit) {
     // Not what it is made of: the parents that LibreOffice's items name are not those of its tree.
     static constexpr Manner atk{true, true, true, false, false, false, false, false};
     static constexpr Manner web{true, false, true, false, true, false, false, false};
+    // Its lists and tables make an object for each of their cells that is listed.
+    static constexpr Manner java{true, true, true, false, true, false, false, false};
     static constexpr Manner gtk4{true, true, false, false, false, true, true, false};
     static constexpr Manner careful{false, true, true, true, false, false, false, false};
     switch (toolkit) {
@@ -85,6 +96,8 @@ const Manner& mannerOf(Toolkit toolkit) {
         case Toolkit::chromium:
         case Toolkit::gecko:
             return web;
+        case Toolkit::java:
+            return java;
         case Toolkit::gtk4:
             return gtk4;
         case Toolkit::qt:
@@ -128,6 +141,8 @@ void TreeFetch::finish() {
     if (tree_.empty()) return;
     addTextElements();
     markTitleBar();
+    if (application_.toolkit == Toolkit::java) heightenHeaders();
+    if (application_.toolkit == Toolkit::libreOffice) describeButtons();
     clipFrames();
 }
 
@@ -395,7 +410,8 @@ void TreeFetch::onFields(int index) {
     openUnplaced(index);
     Node& node = tree_[i];
     if (index != 0 && (node.role == Role::invalid || !isWithinClip(index) ||
-                       (application_.toolkit == Toolkit::chromium && saysNothing(node)))) {
+                       (application_.toolkit == Toolkit::chromium && saysNothing(node)) ||
+                       (application_.toolkit == Toolkit::libreOffice && isUndrawnMenuBar(node)))) {
         node.shows = false;
         return;
     }
@@ -552,24 +568,15 @@ void TreeFetch::askOwnTexts(int index) {
         call.integers[0] = stretch.start;
         call.integers[1] = stretch.end;
         call.integers[2] = static_cast<std::int32_t>(Coordinates::screen);
-        const bool touches = stretch.touchesNext && stretch.end - stretch.start > 1;
+        // Gecko takes a child right after the end for a part of the range; the last character is given up for it.
+        if (stretch.touchesNext && stretch.end - stretch.start > 1) --call.integers[1];
         node.ownTexts.push_back({std::move(stretch), {}});
-        const auto answer = [this, i, k](sd_bus_message* reply) {
+        pipeline_.send(std::move(call), [this, i, k](sd_bus_message* reply) {
             RawBox box;
-            if (!reply || sd_bus_message_read(reply, "iiii", &box.x, &box.y, &box.width, &box.height) <= 0 ||
-                isEmpty(box) || !isSane(box))
-                return;
-            const AxRect at = placement_.toRoot(box, tree_[i].inWebContent);
-            std::optional<AxRect>& known = tree_[i].ownTexts[k].box;
-            known = known ? unite(*known, at) : at;
-        };
-        if (touches) {
-            // Gecko takes a child right after the end for a part of the range.
-            Call last = call;
-            last.integers[0] = --call.integers[1];
-            pipeline_.send(std::move(last), answer);
-        }
-        pipeline_.send(std::move(call), answer);
+            if (reply && sd_bus_message_read(reply, "iiii", &box.x, &box.y, &box.width, &box.height) > 0 &&
+                !isEmpty(box) && isSane(box))
+                tree_[i].ownTexts[k].box = placement_.toRoot(box, tree_[i].inWebContent);
+        });
     }
 }
 
@@ -687,19 +694,20 @@ void TreeFetch::placePopover(int index, const std::vector<AxRect>& windows) {
 
 // The drawn-by-itself part of a LibreOffice window reports boxes that are off by the height of the menu bar until a
 // pointer event has reached the window (7.4 and 25.2): the GTK panel around its root pane tells by how much.
+// Its parts that are GTK's own are where they say.
 void TreeFetch::straightenLibreOffice() {
     for (std::size_t i = 0; i < tree_.size(); ++i) {
         const Node& pane = tree_[i];
         if (pane.role != Role::rootPane || pane.parent < 0) continue;
         const Node& panel = tree_[static_cast<std::size_t>(pane.parent)];
-        const std::string* toolkit = panel.attribute("toolkit");
-        if (!toolkit || *toolkit != "gtk" || !panel.raw || !pane.raw) continue;
+        if (!isGtkPart(panel) || !panel.raw || !pane.raw) continue;
         const double dx = panel.frame.origin.x - pane.frame.origin.x;
         const double dy = panel.frame.origin.y - pane.frame.origin.y;
         std::vector<int> below{static_cast<int>(i)};
         while (!below.empty()) {
             Node& node = tree_[static_cast<std::size_t>(below.back())];
             below.pop_back();
+            if (isGtkPart(node)) continue;
             node.frame.origin.x += dx;
             node.frame.origin.y += dy;
             below.insert(below.end(), node.children.begin(), node.children.end());
@@ -778,6 +786,26 @@ void TreeFetch::nameTabs() {
 void TreeFetch::markTitleBar() {
     constexpr double kTallestBar = 64;
     for (Node& node : tree_) node.inTitleBar = node.inTitleBar || node.frame.maxY() <= visible_.minY() + kTallestBar;
+}
+
+// The buttons of a side bar are pictures whose words are those of the panel around each.
+void TreeFetch::describeButtons() {
+    for (Node& node : tree_) {
+        if ((node.role != Role::toggleButton && node.role != Role::pushButton) || node.parent < 0) continue;
+        const Node& panel = tree_[static_cast<std::size_t>(node.parent)];
+        if (node.name.empty() && node.description.empty() && panel.role == Role::panel && panel.childCount == 1)
+            node.description = panel.description;
+    }
+}
+
+// Java's bridge gives the headers of a table's columns no height; it is that of their bar.
+void TreeFetch::heightenHeaders() {
+    for (Node& node : tree_) {
+        if (node.role != Role::label || node.parent < 0 || node.frame.size.height > 0) continue;
+        const AxRect bar = tree_[static_cast<std::size_t>(node.parent)].frame;
+        node.frame.origin.y = bar.origin.y;
+        node.frame.size.height = bar.size.height;
+    }
 }
 
 // A control that is half scrolled away is where its visible half is: a click at the middle of its whole box would miss

@@ -123,6 +123,8 @@ private:
     void nameTabs();
     void markTitleBar();
     void straightenLibreOffice();
+    void heightenHeaders();
+    void describeButtons();
     void clipFrames();
 
     Pipeline& pipeline_;
