@@ -200,13 +200,19 @@ NameIs nameIs(const Node& node) {
     return node.role == Role::comboBox && !node.text.empty() ? description : rowOf(node.role).nameIs;
 }
 
+// What is written on a control, where its name says something else.
+bool hasWriting(const Node& node) {
+    return !node.inWebContent && !node.text.empty() && rowOf(node.role).nameIs == title;
+}
+
 AxValue titleOf(const Node& node) {
-    return !node.synthetic && nameIs(node) == title ? textOrNothing(nameOf(node)) : AxValue();
+    if (node.synthetic || nameIs(node) != title) return {};
+    return textOrNothing(hasWriting(node) ? node.text : nameOf(node));
 }
 
 AxValue labelOf(const Node& node) {
-    return !node.synthetic && nameIs(node) == description && !isNameOfContents(node) ? textOrNothing(nameOf(node))
-                                                                                     : AxValue();
+    if (node.synthetic || isNameOfContents(node)) return {};
+    return nameIs(node) == description || hasWriting(node) ? textOrNothing(nameOf(node)) : AxValue();
 }
 
 AxValue valueOf(const Node& node) {

@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 
+#include "linux/atspi/JoinedParts.h"
 #include "linux/atspi/LongList.h"
 #include "linux/atspi/ManagedTable.h"
 #include "linux/atspi/Popups.h"
@@ -139,6 +140,9 @@ void TreeFetch::addPopups(const std::vector<Reference>& popups) {
 
 void TreeFetch::finish() {
     if (tree_.empty()) return;
+    nameTabs();
+    if (application_.toolkit == Toolkit::gtk3 || application_.toolkit == Toolkit::gtk4)
+        joinParts(tree_, application_.toolkit);
     addTextElements();
     markTitleBar();
     if (application_.toolkit == Toolkit::java) heightenHeaders();
@@ -331,24 +335,28 @@ bool TreeFetch::isWithinClip(int index) const {
     const Node& node = tree_[static_cast<std::size_t>(index)];
     if (!node.raw) return true;
     if (!isSane(*node.raw)) return false;
+    // A cell holds nothing else, and one without a size is a column or a part of a cell that is hidden.
+    if (work_[static_cast<std::size_t>(index)].kind == Kind::cell && isEmpty(*node.raw)) return false;
     // What GTK 4 doesn't show has no size, once it has been hidden or before it was ever laid out.
     if (application_.toolkit == Toolkit::gtk4 && isEmpty(*node.raw)) return false;
     return isEmpty(*node.raw) || isSurface(node) || intersects(node.frame, work_[static_cast<std::size_t>(index)].clip);
 }
 
-// Firefox gives the second combo box that it hangs a page's open list on a box of -1 all over. What that holds is there
-// all the same.
+// GTK 3 gives a page whose tab isn't shown a box of -1 all over, and so does Firefox with the second combo box that it
+// hangs a page's open list on. What they hold is there all the same.
 void TreeFetch::openUnplaced(int index) {
     Node& node = tree_[static_cast<std::size_t>(index)];
+    const bool isTab = application_.toolkit == Toolkit::gtk3 && node.role == Role::pageTab;
     const bool isOpenList =
         application_.toolkit == Toolkit::gecko && node.role == Role::comboBox && node.has(State::expanded);
-    if (!isOpenList || !node.raw || isSane(*node.raw)) return;
+    if ((!isTab && !isOpenList) || !node.raw || isSane(*node.raw)) return;
     node.role = Role::panel;
     node.raw.reset();
 }
 
 void TreeFetch::askFields(int index) {
     const auto i = static_cast<std::size_t>(index);
+    openUnplaced(index);
     Node& node = tree_[i];
     const bool isFrame = index == 0;
     if (work_[i].refused || (!isFrame && (!showsByState(node) || !isWithinClip(index)))) return;
@@ -434,6 +442,11 @@ void TreeFetch::descend(int index) {
         askPlug(index);
         return;
     }
+    // GTK 3 makes a cell of several, one for each thing that it draws in it.
+    if (work_[i].kind == Kind::cell && application_.toolkit == Toolkit::gtk3 && node.childCount > 0) {
+        askChildren(index, &TreeFetch::onCells);
+        return;
+    }
     if (!manner_.childrenByIndex) {
         onChildren(index);
         return;
@@ -497,7 +510,11 @@ void TreeFetch::askDetails(int index) {
     const Node& node = tree_[i];
     askRoleWord(index);
     if (wantsText(application_.toolkit, node)) mayBeLong(node) ? askTextLength(index) : askText(index, kToTheEnd);
-    if (node.inWebContent && node.role == Role::comboBox && node.childCount > 0) askSelectedChild(index);
+    if (node.role == Role::comboBox && node.childCount > 0) {
+        if (node.inWebContent) askSelectedChild(index);
+        // By its name, GTK 3 may mean what another column of its list says, such as the name of a picture.
+        if (application_.toolkit == Toolkit::gtk3 && !node.name.empty()) askSelectedIn(node.reference, index);
+    }
     if (wantsValue(node)) {
         Call call = callTo(node.reference, kProperties, "Get");
         call.signature = "ss";
@@ -585,21 +602,26 @@ void TreeFetch::askSelectedChild(int index) {
     const auto i = static_cast<std::size_t>(index);
     Call menu = callTo(tree_[i].reference, kAccessible, "GetChildAtIndex");
     menu.signature = "i";
-    pipeline_.send(std::move(menu), [this, i](sd_bus_message* menuReply) {
-        const std::optional<Reference> list = readReference(menuReply);
-        if (!list) return;
-        Call chosen = callTo(*list, "org.a11y.atspi.Selection", "GetSelectedChild");
-        chosen.signature = "i";
-        pipeline_.send(std::move(chosen), [this, i](sd_bus_message* chosenReply) {
-            const std::optional<Reference> option = readReference(chosenReply);
-            if (!option) return;
-            Call name = callTo(*option, kProperties, "Get");
-            name.signature = "ss";
-            name.texts[0] = kAccessible;
-            name.texts[1] = "Name";
-            pipeline_.send(std::move(name), [this, i](sd_bus_message* nameReply) {
-                tree_[i].text = readVariantText(nameReply).value_or("");
-            });
+    pipeline_.send(std::move(menu), [this, index](sd_bus_message* reply) {
+        if (const std::optional<Reference> list = readReference(reply)) askSelectedIn(*list, index);
+    });
+}
+
+// The name of what is chosen in a list becomes the text of the object.
+void TreeFetch::askSelectedIn(const Reference& list, int index) {
+    const auto i = static_cast<std::size_t>(index);
+    Call chosen = callTo(list, "org.a11y.atspi.Selection", "GetSelectedChild");
+    chosen.signature = "i";
+    pipeline_.send(std::move(chosen), [this, i](sd_bus_message* chosenReply) {
+        const std::optional<Reference> option = readReference(chosenReply);
+        if (!option) return;
+        Call name = callTo(*option, kProperties, "Get");
+        name.signature = "ss";
+        name.texts[0] = kAccessible;
+        name.texts[1] = "Name";
+        pipeline_.send(std::move(name), [this, i](sd_bus_message* nameReply) {
+            const std::string text = readVariantText(nameReply).value_or("");
+            if (text != tree_[i].name) tree_[i].text = text;
         });
     });
 }
@@ -728,7 +750,6 @@ void TreeFetch::addTextElements() {
         if (needsTextElement(node, !node.children.empty()))
             addTextElement(static_cast<int>(i), ownText(node), node.frame, 0);
     }
-    nameTabs();
     for (Node& node : tree_)
         if (const auto word = roleWords_.find(node.role); word != roleWords_.end()) node.roleWord = word->second;
 }

@@ -98,6 +98,7 @@ private:
     void askRoleWord(int index);
     void askOwnTexts(int index);
     void askSelectedChild(int index);
+    void askSelectedIn(const Reference& list, int index);
     void openUnplaced(int index);
     void descend(int index);
     void place(int index);

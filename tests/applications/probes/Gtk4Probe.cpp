@@ -87,10 +87,13 @@ private:
     }
 
     void add(GtkWidget* widget, const char* kind, std::string text, bool counted, const std::string& inside) {
+        const bool hasEntry = GTK_IS_COMBO_BOX(widget) && gtk_combo_box_get_has_entry(GTK_COMBO_BOX(widget));
         add(widget, {.id = idOf(widget),
                      .kind = kind,
                      .text = std::move(text),
                      .frame = boxOf(widget),
+                     .textFrame =
+                         hasEntry ? std::optional(boxOf(gtk_combo_box_get_child(GTK_COMBO_BOX(widget)))) : std::nullopt,
                      .counted = counted && inside.empty(),
                      .clickable = gtk_widget_is_sensitive(widget) != FALSE,
                      .inside = inside});
