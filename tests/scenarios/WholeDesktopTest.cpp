@@ -1,6 +1,10 @@
 // Searches that find what is on the desktop beside the window.
 #include <gmock/gmock.h>
 
+#include <string>
+#include <utility>
+#include <vector>
+
 #include "tests/scenarios/SearchScenario.h"
 
 namespace tarvix {
@@ -126,6 +130,19 @@ TEST_F(WholeDesktop, AnApplicationThatHangsLeavesTheRestToBeFound) {
     desk.accessibility.hang(mail.pid);
     search("reply");
     expectAClickIn({{1210, 70}, {80, 20}});
+}
+
+TEST_F(WholeDesktop, WhatTheDesktopCannotSayCostsNoMoreThanThat) {
+    const std::vector<std::pair<const char*, Texts>> found = {
+        {"menuBarOwningApplication", {"3 new", "", "Lunch?", "Reply", "Send"}},
+        {"runningApplications", {"File", "Mailbox", "3 new", "", "Send"}}};
+    for (const auto& [operation, expected] : found) {
+        desk.faults.fail(operation);
+        search("*");
+        EXPECT_EQ(targets(), expected) << operation;
+        press(Key::escape);
+        desk.faults.mend(operation);
+    }
 }
 
 TEST_F(WholeDesktop, ANotificationThatComesUpDuringASearchIsFoundAtTheNext) {

@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -311,6 +313,32 @@ TEST_F(CandidatesOfTheWholeDesktop, ASourceThatFailsTakesNothingFromTheOthers) {
         EXPECT_EQ(found(), expected);
         desk_.accessibility.hang(pid, false);
     }
+}
+
+TEST_F(CandidatesOfTheWholeDesktop, WhicheverReadFailsTheRestStandsInItsOrder) {
+    const auto isRestOf = [](const Titles& all, const Titles& rest) {
+        auto next = all.begin();
+        for (const std::string& title : rest) {
+            next = std::find(next, all.end(), title);
+            if (next++ == all.end()) return false;
+        }
+        return true;
+    };
+    for (const char* operation : {"attribute", "attributes"}) {
+        std::set<std::size_t> sizes;
+        for (int n = 1; n <= 60; ++n) {
+            desk_.faults.failNth(operation, n);
+            const Titles rest = found();
+            sizes.insert(rest.size());
+            EXPECT_TRUE(isRestOf(all_, rest)) << operation << " " << n;
+            desk_.faults.failFrom(operation, n);
+            EXPECT_TRUE(isRestOf(all_, found())) << operation << " from " << n << " on";
+        }
+        desk_.faults.mend(operation);
+        EXPECT_GT(sizes.size(), 1u) << "some failures cost something";
+        EXPECT_EQ(*sizes.rbegin(), all_.size()) << "and beyond the last read none does";
+    }
+    EXPECT_EQ(found(), all_);
 }
 
 TEST_F(CandidatesOfTheWholeDesktop, WithBothExclusionsOffTheWindowsListIsTakenAsItIs) {
