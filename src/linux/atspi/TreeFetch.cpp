@@ -9,6 +9,7 @@
 #include "linux/atspi/ManagedTable.h"
 #include "linux/atspi/Popups.h"
 #include "linux/atspi/Replies.h"
+#include "linux/atspi/TitleStrip.h"
 #include "linux/atspi/Translation.h"
 
 namespace tarvix::atspi {
@@ -749,6 +750,9 @@ void TreeFetch::addTextElements() {
         std::erase_if(node.children, [this](int c) { return !tree_[static_cast<std::size_t>(c)].shows; });
         if (needsTextElement(node, !node.children.empty()))
             addTextElement(static_cast<int>(i), ownText(node), node.frame, 0);
+        else if (application_.toolkit == Toolkit::qt)
+            if (const std::optional<AxRect> strip = titleStrip(tree_, static_cast<int>(i)))
+                addTextElement(static_cast<int>(i), node.name, *strip, 0);
     }
     for (Node& node : tree_)
         if (const auto word = roleWords_.find(node.role); word != roleWords_.end()) node.roleWord = word->second;
