@@ -96,7 +96,7 @@ private:
         const bool counted = kind[0] != '\0' && !isTitleButton(widget);
         add(widget, kind[0] ? kind : "widget", text, counted, inside, textWidget(widget));
         if (GTK_IS_ENTRY(widget)) entryIcons(GTK_ENTRY(widget));
-        if (GTK_IS_STATUSBAR(widget)) return visitStatusBar(widget);
+        if (GTK_IS_STATUSBAR(widget)) return visitStatusBar(widget, messageOf(widget));
         visitChildren(widget, kind[0] && inside.empty() ? idOf(widget) : inside);
     }
 
@@ -149,18 +149,23 @@ private:
 
     // Its message is its own; whatever else an application has put there isn't.
     static GtkWidget* messageOf(GtkWidget* statusBar) {
-        for (GtkWidget* child : childrenOf(gtk_statusbar_get_message_area(GTK_STATUSBAR(statusBar))))
-            if (GTK_IS_LABEL(child)) return child;
+        return firstLabel(gtk_statusbar_get_message_area(GTK_STATUSBAR(statusBar)));
+    }
+    static GtkWidget* firstLabel(GtkWidget* widget) {
+        if (GTK_IS_LABEL(widget)) return widget;
+        for (GtkWidget* child : childrenOf(widget))
+            if (GtkWidget* label = firstLabel(child)) return label;
         return nullptr;
     }
 
-    void visitStatusBar(GtkWidget* statusBar) {
-        GtkWidget* message = messageOf(statusBar);
-        const std::vector<GtkWidget*> area = childrenOf(gtk_statusbar_get_message_area(GTK_STATUSBAR(statusBar)));
-        for (GtkWidget* child : area)
-            if (child != message) visit(child, "");
-        for (GtkWidget* child : childrenOf(statusBar))
-            if (child != gtk_statusbar_get_message_area(GTK_STATUSBAR(statusBar))) visit(child, "");
+    void visitStatusBar(GtkWidget* widget, const GtkWidget* message) {
+        for (GtkWidget* child : childrenOf(widget)) {
+            if (child == message) continue;
+            if (message != nullptr && gtk_widget_is_ancestor(const_cast<GtkWidget*>(message), child))
+                visitStatusBar(child, message);
+            else
+                visit(child, "");
+        }
     }
 
     // What holds the text of a control that is more than its text.

@@ -22,12 +22,15 @@
 #include <QScrollBar>
 #include <QSocketNotifier>
 #include <QStatusBar>
+#include <QStyle>
+#include <QStyleOptionButton>
 #include <QTabBar>
 #include <QTextBlock>
 #include <QTextDocumentFragment>
 #include <QTextEdit>
 #include <QTimer>
 #include <QToolButton>
+#include <QTreeView>
 #include <QWindow>
 
 namespace tarvix::probe {
@@ -80,11 +83,12 @@ private:
     }
 
     void add(QWidget* widget, const std::string& part, const char* kind, std::string text, QRect inside, bool counted,
-             const std::string& within, bool clickable = true) {
+             const std::string& within, bool clickable = true, std::optional<QRect> drawn = {}) {
         Seen seen{.id = idOf(widget) + part,
                   .kind = kind,
                   .text = std::move(text),
                   .frame = onScreen(widget, inside),
+                  .textFrame = drawn ? std::optional(onScreen(widget, *drawn)) : std::nullopt,
                   .visible = visibleBox(widget, inside),
                   .counted = counted && within.empty(),
                   .clickable = clickable && widget->isEnabled(),
@@ -113,7 +117,7 @@ private:
         } else {
             const auto [kind, text] = control(widget);
             const bool counted = kind[0] != '\0';
-            add(widget, "", counted ? kind : "widget", text, placeOf(widget), counted, within);
+            add(widget, "", counted ? kind : "widget", text, placeOf(widget), counted, within, true, drawnOf(widget));
             // What a group or a dock holds is not a part of its title.
             const bool holds = qobject_cast<QGroupBox*>(widget) || qobject_cast<QDockWidget*>(widget) ||
                                qobject_cast<QStatusBar*>(widget);
@@ -171,6 +175,20 @@ private:
         if (auto* dock = qobject_cast<QDockWidget*>(widget); dock && dock->widget() && !dock->titleBarWidget())
             place.setBottom(dock->widget()->y() - 1);
         return place;
+    }
+
+    // A check or radio button takes clicks on its mark and its text alone, however wide it is.
+    static std::optional<QRect> drawnOf(QWidget* widget) {
+        const bool isCheck = widget->inherits("QCheckBox");
+        if (!isCheck && !widget->inherits("QRadioButton")) return std::nullopt;
+        auto* button = qobject_cast<QAbstractButton*>(widget);
+        QStyleOptionButton option;
+        option.initFrom(button);
+        option.text = button->text();
+        option.icon = button->icon();
+        option.iconSize = button->iconSize();
+        return widget->style()->subElementRect(isCheck ? QStyle::SE_CheckBoxClickRect : QStyle::SE_RadioButtonClickRect,
+                                               &option, widget);
     }
 
     static const char* buttonKind(QAbstractButton* button) {
@@ -236,15 +254,9 @@ private:
         for (int row = 0; row < rows; ++row) {
             for (int column = 0; column < columns; ++column) item(view, port, model->index(row, column, parent));
             const QModelIndex first = model->index(row, 0, parent);
-            if (view->inherits("QTreeView") && model->hasChildren(first) && isOpen(view, first))
+            if (auto* tree = qobject_cast<QTreeView*>(view); tree != nullptr && tree->isExpanded(first))
                 items(view, port, first);
         }
-    }
-
-    static bool isOpen(QAbstractItemView* view, const QModelIndex& index) {
-        bool open = false;
-        QMetaObject::invokeMethod(view, "isExpanded", Q_RETURN_ARG(bool, open), Q_ARG(QModelIndex, index));
-        return open;
     }
 
     void item(QAbstractItemView* view, QWidget* port, const QModelIndex& index) {
