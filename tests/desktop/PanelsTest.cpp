@@ -33,6 +33,16 @@ constexpr auto kUntilShown = 30s;
 constexpr int kStatusLayer = 25;
 const std::string kSettings = R"({"searchIncludesDock": true})";
 
+// As await(), for what asks so much that asking at every moment would keep the panel from answering.
+template <class Condition>
+bool eventually(std::chrono::milliseconds limit, Condition condition) {
+    return await(limit, [&] {
+        if (condition()) return true;
+        std::this_thread::sleep_for(20ms);
+        return false;
+    });
+}
+
 // A folder of configuration files of its own.
 class Configuration {
 public:
@@ -92,12 +102,11 @@ protected:
     static bool comeToRest(Elements elements, const std::vector<std::string>& names) {
         std::vector<AccessibilityElement> last;
         int same = 0;
-        return await(kUntilShown, [&] {
+        return eventually(kUntilShown, [&] {
             std::vector<AccessibilityElement> now = elements();
             const bool areAll = std::ranges::all_of(names, [&](const std::string& each) { return hold(now, each); });
             same = areAll && now == last ? same + 1 : 0;
             last = std::move(now);
-            if (same < kSteady) std::this_thread::sleep_for(30ms);
             return same >= kSteady;
         });
     }
@@ -113,7 +122,7 @@ protected:
     static bool hasNotifierHost() {
         constexpr const char* name = "org.kde.StatusNotifierWatcher";
         const atspi::Bus session = atspi::connectToSession();
-        return await(kUntilShown, [&] {
+        return eventually(kUntilShown, [&] {
             int isThere = 0;
             return sd_bus_get_property_trivial(session.get(), name, "/StatusNotifierWatcher", name,
                                                "IsStatusNotifierHostRegistered", nullptr, 'b', &isThere) >= 0 &&
@@ -151,14 +160,27 @@ protected:
         ASSERT_TRUE(program_->press(keyboard_, keysym::returnKey, milestone::inputHidden));
     }
 
+    // Whether a panel that hides at the lower edge comes out with this in it: the pointer goes there, and once more
+    // where a panel has missed it.
+    bool comesOut(const std::string& name) {
+        for (int tries = 0; tries < 5; ++tries) {
+            keyboard_.movePointer({300, 300});
+            keyboard_.movePointer({960, 1079});
+            if (eventually(3s,
+                           [&] { return statusLayerIsOnScreen() && dockIsOnScreen() && hold(trayElements(), name); }))
+                return true;
+        }
+        return false;
+    }
+
     bool becomesActive(const TaskWindow& window) {
-        return await(10s, [&] {
+        return eventually(10s, [&] {
             const auto active = services_.windows->active();
             return active && active->number == window.number();
         });
     }
     static bool isActivated(const Fixture& item) {
-        return await(10s, [&] { return !item.clicks().empty(); });
+        return eventually(10s, [&] { return !item.clicks().empty(); });
     }
 
     static constexpr int kSteady = 3;
@@ -249,6 +271,7 @@ TEST_F(XfcePanelTest, AnItemOfTheTrayIsFoundByItsNameAndReturnActivatesIt) {
     ASSERT_TRUE(trayComesToRest({"Rowan", "Willow", "Sorrel", "Yarrow"})) << told(trayElements());
     EXPECT_FALSE(hold(trayElements(), "Alder")) << "the panel doesn't show it";
     startProgram();
+    if (HasFatalFailure()) return;
     for (const auto& [query, item] : {std::pair{"rowan", &rowan}, {"willow", &willow}, {"yarrow", &yarrow}}) {
         EXPECT_THAT(item->clicks(), IsEmpty());
         choose(query);
@@ -267,6 +290,7 @@ TEST_F(XfcePanelTest, TheButtonsOfWindowsAndTheLaunchersAreTheDock) {
     EXPECT_TRUE(hold(trayElements(), "Applications"));
     EXPECT_TRUE(dockIsOnScreen());
     startProgram();
+    if (HasFatalFailure()) return;
     choose("fern");
     if (HasFatalFailure()) return;
     EXPECT_TRUE(becomesActive(fern));
@@ -276,7 +300,7 @@ TEST_F(XfcePanelTest, TheButtonsOfWindowsAndTheLaunchersAreTheDock) {
     EXPECT_FALSE(std::filesystem::exists(launched()));
     choose("bracken");
     if (HasFatalFailure()) return;
-    EXPECT_TRUE(await(10s, [this] { return std::filesystem::exists(launched()); }));
+    EXPECT_TRUE(eventually(10s, [this] { return std::filesystem::exists(launched()); }));
 }
 
 // Neither what is frozen nor what stands beside it keeps the search from its end.
@@ -301,12 +325,10 @@ TEST_F(XfcePanelTest, WhileItHidesNothingOfItIsACandidate) {
     ASSERT_TRUE(trayComesToRest({"Applications"}));
     EXPECT_TRUE(statusLayerIsOnScreen());
     setHiding(Hides::always);
-    EXPECT_TRUE(await(10s, [this] { return !statusLayerIsOnScreen() && !dockIsOnScreen(); }));
+    EXPECT_TRUE(eventually(10s, [this] { return !statusLayerIsOnScreen() && !dockIsOnScreen(); }));
     EXPECT_THAT(trayElements(), IsEmpty());
     EXPECT_THAT(dockElements(), IsEmpty());
-    keyboard_.movePointer({960, 1079});
-    EXPECT_TRUE(await(10s, [this] { return statusLayerIsOnScreen() && dockIsOnScreen(); }));
-    EXPECT_TRUE(trayComesToRest({"Applications"}));
+    EXPECT_TRUE(comesOut("Applications"));
     setHiding(Hides::never);
 }
 
@@ -327,7 +349,7 @@ TEST_F(LxqtPanelTest, AnItemOfTheTrayIsFoundByItsNameAndReturnActivatesIt) {
     const auto named = [](const AccessibilityElement& each, const std::string& name) {
         return each.searchableText().find(name) != std::string::npos;
     };
-    ASSERT_TRUE(await(kUntilShown, [&] {
+    ASSERT_TRUE(eventually(kUntilShown, [&] {
         const auto found = trayElements();
         return std::ranges::all_of(std::array{"Rowan", "Willow"}, [&](const char* name) {
             return std::ranges::any_of(found, [&](const auto& each) { return named(each, name); });
@@ -335,6 +357,7 @@ TEST_F(LxqtPanelTest, AnItemOfTheTrayIsFoundByItsNameAndReturnActivatesIt) {
     })) << told(trayElements());
     ASSERT_TRUE(dockComesToRest({"Fern", "Moss"})) << told(dockElements());
     startProgram();
+    if (HasFatalFailure()) return;
     for (const auto& [query, item] : {std::pair{"willow", &willow}, {"rowan", &rowan}}) {
         choose(query);
         if (HasFatalFailure()) return;
@@ -374,6 +397,7 @@ TEST_F(Tint2Test, IconsAndButtonsOfWindowsAreKnownByTheXServer) {
     EXPECT_EQ(trayElements().size(), 2u);
     EXPECT_EQ(dockElements().size(), 2u);
     startProgram();
+    if (HasFatalFailure()) return;
     for (const auto& [query, item] : {std::pair{"yarrow", &yarrow}, {"sorrel", &sorrel}}) {
         choose(query);
         if (HasFatalFailure()) return;
@@ -390,13 +414,11 @@ TEST_F(Tint2Test, WhileItHidesNothingOfItIsACandidate) {
     keyboard_.movePointer({300, 300});
     start(true);
     const Fixture sorrel("tray.py", {"embedded", "Sorrel"});
-    ASSERT_TRUE(await(kUntilShown, [this] { return hasAPanel() && !statusLayerIsOnScreen(); }));
+    ASSERT_TRUE(eventually(kUntilShown, [this] { return hasAPanel() && !statusLayerIsOnScreen(); }));
     for (int times = 0; times < 2; ++times) {
-        keyboard_.movePointer({960, 1079});
-        ASSERT_TRUE(trayComesToRest({"Sorrel"}));
-        EXPECT_TRUE(dockIsOnScreen());
+        ASSERT_TRUE(comesOut("Sorrel"));
         keyboard_.movePointer({300, 300});
-        EXPECT_TRUE(await(10s, [this] { return !statusLayerIsOnScreen() && !dockIsOnScreen(); }));
+        EXPECT_TRUE(eventually(10s, [this] { return !statusLayerIsOnScreen() && !dockIsOnScreen(); }));
         EXPECT_THAT(trayElements(), IsEmpty());
     }
 }
@@ -429,11 +451,12 @@ TEST_F(PlankTest, AnItemIsFoundByItsNameAndReturnLaunchesIt) {
     EXPECT_TRUE(dockIsOnScreen());
     EXPECT_FALSE(statusLayerIsOnScreen());
     startProgram();
+    if (HasFatalFailure()) return;
     for (const char* name : {"Tansy", "Bracken"}) {
         EXPECT_FALSE(std::filesystem::exists(launched(name)));
         choose(std::string("the ") + static_cast<char>(std::tolower(*name)) + (name + 1));
         if (HasFatalFailure()) return;
-        EXPECT_TRUE(await(10s, [&] { return std::filesystem::exists(launched(name)); })) << name;
+        EXPECT_TRUE(eventually(10s, [&] { return std::filesystem::exists(launched(name)); })) << name;
     }
 }
 
@@ -443,10 +466,10 @@ TEST_F(PlankTest, WhileItHidesNothingOfItIsACandidate) {
     {
         X11Victim above({700, 500, 500, 580, false});
         ASSERT_TRUE(above.show());
-        EXPECT_TRUE(await(10s, [this] { return !dockIsOnScreen(); }));
+        EXPECT_TRUE(eventually(10s, [this] { return !dockIsOnScreen(); }));
         EXPECT_THAT(dockElements(), IsEmpty());
     }
-    EXPECT_TRUE(await(10s, [this] { return dockIsOnScreen(); }));
+    EXPECT_TRUE(eventually(10s, [this] { return dockIsOnScreen(); }));
     EXPECT_TRUE(dockComesToRest({"The Bracken", "The Tansy"}));
 }
 

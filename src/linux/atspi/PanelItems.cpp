@@ -145,8 +145,9 @@ private:
         items_.push_back(std::move(item));
     }
 
-    // The one control in a part of a panel that has a name goes by that.
+    // The one control in a part of a panel that has a name goes by that where it has none itself.
     void takeNamesFromAbove(Node& node) const {
+        if (!node.name.empty()) return;
         for (int above = node.parent; above > 0 && counts_[static_cast<std::size_t>(above)] == 1;
              above = at(nodes_, above).parent) {
             if (node.name.empty()) node.name = at(nodes_, above).name;
@@ -171,19 +172,17 @@ private:
         return around_.isApplication(node.name) || hasArrowBeside(index);
     }
 
-    // The panel of Xfce has a button and an arrow in a launcher, of which the arrow mostly doesn't show.
+    // The panel of Xfce has a button and an arrow in a launcher, of which the arrow mostly doesn't show. Of what
+    // doesn't show the role may be unknown.
     bool hasArrowBeside(int index) const {
-        int buttons = 0, arrows = 0, others = 0;
-        for (const Node& each : nodes_) {
-            if (each.parent != at(nodes_, index).parent) continue;
-            if (each.role == Role::pushButton)
-                ++buttons;
-            else if (each.role == Role::toggleButton)
-                ++arrows;
-            else
-                ++others;
+        int arrows = 0, others = 0;
+        for (std::size_t i = 1; i < nodes_.size(); ++i) {
+            const Node& each = nodes_[i];
+            if (each.parent != at(nodes_, index).parent || static_cast<int>(i) == index) continue;
+            const bool isArrow = each.role == Role::toggleButton || (!each.shows && each.role == Role::invalid);
+            ++(isArrow ? arrows : others);
         }
-        return buttons == 1 && arrows == 1 && others == 0;
+        return arrows == 1 && others == 0;
     }
 
     // Those that no button with a name stands for.

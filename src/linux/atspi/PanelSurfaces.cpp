@@ -51,7 +51,7 @@ std::vector<PanelItem> PanelSurfaces::itemsOf(std::int32_t pid, const std::vecto
     around.clients = std::move(clients);
     around.isApplication = [this](const std::string& name) { return !name.empty() && entries().named(name); };
     around.notifiers = [this] { return notifiers_.items(); };
-    if (isXfce && std::ranges::any_of(trees, hasNamelessButtons)) around.order = StatusNotifiers::xfceOrder();
+    if (isXfce && std::ranges::any_of(trees, hasNamelessButtons)) around.order = notifiers_.xfceOrder();
     std::vector<PanelItem> items;
     for (std::size_t i = 0; i < panels.size(); ++i) {
         const PanelSeen seen{panels[i], std::move(trees[i]), windows_.embeddedIn(panels[i].number)};

@@ -29,16 +29,15 @@ Call getProperty(const std::string& bus, const std::string& path, const char* in
     return call;
 }
 
-std::vector<std::string> readRegistered(sd_bus_message* reply) {  // v of as
-    std::vector<std::string> names;
-    if (!reply) return names;
+std::vector<std::pair<std::string, std::string>> readRegistered(sd_bus_message* reply) {  // v of as
+    std::vector<std::pair<std::string, std::string>> registered;
     const Inside variant(reply, 'v', "as");
-    if (!variant) return names;
+    if (!variant) return registered;
     const Inside array(reply, 'a', "s");
     const char* name = nullptr;
-    while (array && names.size() < kMostItems && sd_bus_message_read(reply, "s", &name) > 0)
-        names.push_back(bounded(name, kLongestName));
-    return names;
+    while (array && registered.size() < kMostItems && sd_bus_message_read(reply, "s", &name) > 0)
+        registered.push_back(splitRegistered(bounded(name, kLongestName)));
+    return registered;
 }
 
 std::vector<std::string> readNames(sd_bus_message* reply) {  // v of av of s
@@ -100,24 +99,22 @@ std::vector<NotifierItem> StatusNotifiers::items() {
     const std::lock_guard lock(mutex_);
     const Bus session = connectToSession();
     if (!session) return {};
-    std::vector<std::string> registered;
     Pipeline pipeline(session.get(), Clock::now() + kLimit);
     pipeline.send(getProperty(kWatcher, "/StatusNotifierWatcher", kWatcher, "RegisteredStatusNotifierItems"),
-                  [&](sd_bus_message* reply) { registered = readRegistered(reply); });
+                  [this](sd_bus_message* reply) { registered_ = reply ? readRegistered(reply) : std::vector<Key>(); });
     pipeline.run();
 
     std::map<Key, NotifierItem> now;
     std::vector<NotifierItem> healthy, silent;
-    for (const std::string& each : registered) {
+    for (const Key& each : registered_) {
         NotifierItem item;
-        std::tie(item.bus, item.path) = splitRegistered(each);
-        const Key key{item.bus, item.path};
-        const auto known = known_.find(key);
-        now[key] = known == known_.end() ? item : known->second;
-        (silent_.contains(key) ? silent : healthy).push_back(std::move(item));
+        std::tie(item.bus, item.path) = each;
+        const auto known = known_.find(each);
+        now[each] = known == known_.end() ? item : known->second;
+        (silent_.contains(each) ? silent : healthy).push_back(std::move(item));
     }
     silent_.clear();
-    for (auto& [asked, limit] : {std::pair{healthy, kLimit}, std::pair{silent, kLimitForTheSilent}}) {
+    for (const auto& [asked, limit] : {std::pair{healthy, kLimit}, std::pair{silent, kLimitForTheSilent}}) {
         if (asked.empty()) continue;
         for (const NotifierItem& each : asked) silent_.insert({each.bus, each.path});
         for (NotifierItem& each : ask(session.get(), asked, limit)) {
@@ -127,13 +124,14 @@ std::vector<NotifierItem> StatusNotifiers::items() {
     }
     known_ = std::move(now);
     std::vector<NotifierItem> result;
-    for (const std::string& each : registered) result.push_back(known_[splitRegistered(each)]);
+    for (const Key& each : registered_) result.push_back(known_[each]);
     return result;
 }
 
 std::optional<TrayOrder> StatusNotifiers::xfceOrder() {
+    const std::lock_guard lock(mutex_);
     const Bus session = connectToSession();
-    if (!session) return std::nullopt;
+    if (!session) return order_;
     Call call;
     call.destination = "org.xfce.Xfconf";
     call.path = "/org/xfce/Xfconf";
@@ -142,11 +140,10 @@ std::optional<TrayOrder> StatusNotifiers::xfceOrder() {
     call.signature = "ss";
     call.texts[0] = "xfce4-panel";
     call.texts[1] = "/plugins";
-    std::optional<TrayOrder> order;
     Pipeline pipeline(session.get(), Clock::now() + kLimit);
-    pipeline.send(std::move(call), [&order](sd_bus_message* reply) { order = readXfceOrder(reply); });
+    pipeline.send(std::move(call), [this](sd_bus_message* reply) { order_ = readXfceOrder(reply); });
     pipeline.run();
-    return order;
+    return order_;
 }
 
 std::optional<TrayOrder> readXfceOrder(sd_bus_message* reply) {

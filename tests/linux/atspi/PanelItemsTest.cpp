@@ -108,10 +108,13 @@ TEST_F(PanelItems, LaunchersAreInTheDocksRow) {
     const int xfce = add(0, Role::filler, boxAt(40, 60));
     add(xfce, Role::pushButton, boxAt(40), "My Own");
     addHidden(xfce, Role::toggleButton);
+    const int unasked = add(0, Role::filler, boxAt(70, 30));
+    add(unasked, Role::pushButton, boxAt(70), "My Other");
+    addHidden(unasked, Role::invalid);
     add(0, Role::pushButton, boxAt(100), "Log Out");
     const int plug = add(0, Role::pushButton, boxAt(130), "Text Editor");
     at(plug).reference.bus = ":another";
-    EXPECT_THAT(names(PanelRow::dock), ElementsAre("Text Editor", "My Own"));
+    EXPECT_THAT(names(PanelRow::dock), ElementsAre("Text Editor", "My Own", "My Other"));
     EXPECT_THAT(names(PanelRow::tray), ElementsAre("Log Out", "Text Editor"));
 }
 
