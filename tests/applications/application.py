@@ -17,6 +17,7 @@ class Control:
     seen: str = "whole"  # or "cut"
     clickable: bool = True
     inside: str | None = None
+    draws_parts: bool = False  # which its probe can't tell one by one
 
     def __str__(self):
         return f"{self.kind}: {self.text}"

@@ -17,6 +17,7 @@ from marionette import Marionette, port_of
 
 FIXTURES = Path(__file__).resolve().parent.parent / "desktop/fixtures"
 PAGES = Path(__file__).with_name("pages")
+MEASURED = Path(__file__).with_name("measured") / "chromium.json"
 TYPES = {".html": "text/html; charset=utf-8", ".css": "text/css", ".js": "text/javascript"}
 STEADY = 1.0  # seconds without a change
 
@@ -133,7 +134,8 @@ class PageProbe(Probe):
 
         return Control(id=element["id"], kind=element["kind"], text=element["name"], frame=at(element["frame"]),
                        text_frame=at(element["letters"]), visible=at(element["visible"]), seen=element["seen"], counted=element["isCounted"],
-                       clickable=element["isClicked"], inside=element["inside"])
+                       clickable=element["isClicked"], inside=element["inside"],
+                       draws_parts=element["kind"] in ("date entry", "file entry"))
 
     def clicks(self):
         with self.server.lock:
@@ -144,7 +146,24 @@ class PageProbe(Probe):
 
 
 class ChromiumProbe(PageProbe):
+    """Its own window is known by its picture only (measured/chromium.json), so that nothing in it is clicked."""
+
     executable, toolkit = "chromium", "Chromium"
+
+    def is_ready(self, window):
+        self.window = window
+        return super().is_ready(window)
+
+    def controls(self):
+        known = json.loads(MEASURED.read_text())
+        x, y, width, height = self.window["frame"]
+        if [width, height] != known["size"]:
+            raise RuntimeError(f"Chromium's window is {width}x{height}, and was measured at {known['size']}")
+        words = {"{title}": self.server.seen["title"], "{address}": self.server.url(self.page).removeprefix("http://")}
+        return super().controls() + [
+            Control(id=f"window {number}", kind=each["kind"], text=words.get(each["text"], each["text"]), clickable=False,
+                    frame=(each["frame"][0] + x, each["frame"][1] + y, *each["frame"][2:]))
+            for number, each in enumerate(known["controls"])]
 
 
 class FirefoxProbe(PageProbe):

@@ -84,7 +84,7 @@ def shows(control, found):
         return True
     inside = any(holds(frame, middle(found.frame)) and shared(frame, found.frame) >= 0.9 * area(found.frame)
                  for frame in frames(control))
-    return inside and bool(found.text) and found.text in plain(control.text)
+    return inside and (control.draws_parts or (bool(found.text) and found.text in plain(control.text)))
 
 
 @dataclass

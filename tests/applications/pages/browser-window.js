@@ -78,7 +78,8 @@ const things = [...everything(document)].flatMap(element => {
   const isText = !control && !around && texts.length > 0;
   return [{id: identifier(element), kind: control ? kindOf(element) : isText ? "text" : element.localName,
            text: control ? textOf(element) : texts.map(node => node.data.trim()).join(" "), isCounted: control !== null || isText,
-           isClicked: control !== null, inside: !control && around ? identifier(around) : null,
+           // Other buttons open panels before the press can be kept from them.
+           isClicked: control !== null && kindOf(element) !== "button", inside: !control && around ? identifier(around) : null,
            frame: [box.left + mozInnerScreenX, box.top + mozInnerScreenY, box.width, box.height]}];
 });
 return {things, presses: window.tarvixPresses};
