@@ -160,6 +160,10 @@ std::vector<Reference> Applications::rootsOf(std::int32_t pid) {
     return roots;
 }
 
+void Applications::forgetTheGone() {
+    if (std::optional<Lease> lease = connectOverBus()) present(*lease, [](std::int32_t) { return false; });
+}
+
 std::vector<Applications::Present> Applications::present(Lease& lease, const IsWanted& isWanted) {
     const Message reply = callBlocking(lease.bus(), "org.a11y.atspi.Registry", "/org/a11y/atspi/accessible/root",
                                        "org.a11y.atspi.Accessible", "GetChildren", kBusLimit);

@@ -65,6 +65,8 @@ public:
 
     // Where the applications of a process stand on the bus, whether or not they answer.
     std::vector<Reference> rootsOf(std::int32_t pid);
+    // Nothing is known any more of those that have left the bus.
+    void forgetTheGone();
 
     // A connection on which this application's objects can be called: to the application itself where it offers that,
     // else over the bus. Absent when neither can be had.

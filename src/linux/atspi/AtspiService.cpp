@@ -378,6 +378,8 @@ bool AtspiService::isAwake(std::int32_t pid) {
 // False while the process isn't on the accessibility bus yet, or its tree isn't complete.
 bool AtspiService::contact(std::int32_t pid) {
     listening_.keep();
+    // One that has left the bus, or come anew under another name, isn't awake any more.
+    applications_.forgetTheGone();
     if (isAwake(pid)) return true;
     const std::optional<X11Window> window = windowOf(pid);
     const std::optional<WindowTree> tree =
