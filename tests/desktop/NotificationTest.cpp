@@ -53,6 +53,8 @@ public:
             }
             return 0;
         };
+        constexpr std::uint64_t twentySeconds = 20'000'000;  // the first notification has a daemon load its pictures
+        sd_bus_set_method_call_timeout(bus_.get(), twentySeconds);
         EXPECT_GE(sd_bus_match_signal(bus_.get(), nullptr, nullptr, kPath, kName, "ActionInvoked", invoked, this), 0);
     }
 
