@@ -10,14 +10,14 @@ import time
 from pathlib import Path
 
 from comparing import candidate, compare, explain, is_confirmed, next_click, shared
-from table import Row
+from table import Row, is_found_well
 
 START_LIMIT = 90.0  # seconds; an office suite that starts for the first time on a busy machine
 ANSWER_LIMIT = 60.0
 REST_LOOKS, REST_INTERVAL = 4, 0.1  # so many looks in a row that see the same
 COMPLETE_LIMIT = 10.0  # an application that is busy answers later, and a search goes on without it
 CLICK_LIMIT = 5.0
-CLICKS = 10
+CLICKS, FEWER_CLICKS = 10, 4
 OPENING = ["menu bar item"]
 ROUNDS = 15
 
@@ -82,8 +82,8 @@ def places(seen):
 
 
 class Run:
-    def __init__(self, application, program, say):
-        self.application, self.say = application, say
+    def __init__(self, application, program, say, brief):
+        self.application, self.say, self.brief = application, say, brief
         self.folder = Path(tempfile.mkdtemp(prefix="application-"))
         self.lister = Lister(program)
         self.probe = application.probe(self.folder)
@@ -122,16 +122,20 @@ class Run:
         """Some applications fill their trees when they are first asked, so the first readings find less."""
         deadline = time.monotonic() + COMPLETE_LIMIT
         while True:
-            window, controls = self.await_ready()
+            before = self.await_ready()
             candidates = await_rest(lambda: self.lister.candidates()[0], START_LIMIT, "candidates")
-            comparison = compare(controls, candidates)
-            if comparison.is_complete() or time.monotonic() > deadline:
-                return window, comparison
+            after = self.await_ready()
+            comparison = compare(after[1], candidates)
+            has_moved = places(before) != places(after)  # a bar that goes by itself
+            sizes = comparison.counted, len(comparison.found), len(comparison.unseen)
+            enough = is_found_well(*sizes) if self.brief else comparison.is_complete()
+            if (enough and not has_moved) or time.monotonic() > deadline + START_LIMIT * has_moved:
+                return comparison
 
     def click(self):
         """Clicks what it finds. Gives the controls that were clicked, and those of them of which the application says so."""
         clicked, confirmed, tried = [], [], []
-        while len(clicked) < CLICKS:
+        while len(clicked) < (FEWER_CLICKS if self.brief else CLICKS):
             window, controls = self.await_ready()
             comparison = compare(controls, self.lister.candidates()[0])
             chosen = next_click(comparison, self.application.unclicked, tried)
@@ -201,12 +205,12 @@ def shortfalls(application, version, comparison, unconfirmed):
     return lines
 
 
-def run(application, program, say=lambda text: None):
-    """The application's row. Raises RunError where there can be none."""
-    here = Run(application, program, say)
+def run(application, program, say=lambda text: None, brief=False):
+    """The application's row; a brief run ends where it is good enough. Raises RunError where there can be none."""
+    here = Run(application, program, say, brief)
     try:
         here.start()
-        _, comparison = here.compare()
+        comparison = here.compare()
         candidates, milliseconds = here.lister.candidates(ROUNDS)
         for control in comparison.missed:
             say(f"missed    {control.frame} {control} ({control.id})")

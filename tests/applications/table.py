@@ -26,6 +26,11 @@ gathers the candidates of a search with the program's own services, and clicks u
 
 SHORTFALLS = "## What is missing, and why\n"
 COMPLETE = "Nothing."
+ENOUGH = 0.98  # of the controls
+
+
+def is_found_well(controls, found, unseen):
+    return controls > 0 and found >= ENOUGH * controls and unseen == 0
 
 
 @dataclass
@@ -48,8 +53,7 @@ class Row:
 
     def is_good(self):
         """Nearly all found, nothing unseen, and every click where it was meant to go."""
-        return (self.controls > 0 and self.found >= 0.98 * self.controls and self.unseen == 0
-                and self.clicked > 0 and self.confirmed == self.clicked)
+        return is_found_well(self.controls, self.found, self.unseen) and self.clicked > 0 and self.confirmed == self.clicked
 
 
 def from_cells(cells):
