@@ -14,7 +14,7 @@ bool isNullObject(const char* path) { return std::strcmp(path, "/org/a11y/atspi/
 bool isOfUse(std::string_view key) {
     static constexpr auto keys = std::to_array<std::string_view>(
         {"placeholder-text", "placeholder", "id", "class", "tag", "xml-roles", "roledescription", "valuetext", "src",
-         "DocURL", "toolkit", "explicit-name", "name-from", "level"});
+         "DocURL", "toolkit", "explicit-name", "name-from", "level", "sort"});
     for (const std::string_view each : keys)
         if (each == key) return true;
     return false;

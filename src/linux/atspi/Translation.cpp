@@ -171,6 +171,8 @@ std::string_view titleBarSubrole(const Node& node) {
                                                        {"Maximize", "AXZoomButton"},
                                                        {"Restore", "AXZoomButton"}});
     if (node.role != Role::pushButton || !node.inTitleBar) return {};
+    // A browser's tabs stand in its title bar, and each has a button to close it.
+    if (const std::string* type = node.attribute("class"); type && *type != "FrameCaptionButton") return {};
     for (const Word& row : words)
         for (const char* domain : {"gtk30", "gtk40"})
             if (node.name == row.word || node.name == dgettext(domain, row.word)) return row.subrole;

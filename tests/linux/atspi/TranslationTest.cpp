@@ -315,5 +315,64 @@ TEST(Translation, TextsAreAskedWhereAToolkitHasThemNowhereElse) {
     EXPECT_TRUE(wantsText(Toolkit::libreOffice, node(Role::tableCell)));
 }
 
+Node onPage(Role role, const std::string& name = {}) {
+    Node part = node(role, name);
+    part.inWebContent = true;
+    return part;
+}
+
+TEST(Translation, WhatOnlyHoldsATextOnAPageIsNoTextItself) {
+    for (const Role role : {Role::label, Role::caption}) {
+        EXPECT_EQ(axRole(onPage(role)), "AXGroup");
+        EXPECT_NE(axRole(node(role)), "AXGroup");
+        EXPECT_TRUE(needsTextElement(onPage(role, "Full name"), false));
+        EXPECT_FALSE(needsTextElement(node(role, "Full name"), false));
+    }
+}
+
+TEST(Translation, AnEmphasisIsNoTextBesideTheOneWithinIt) {
+    Node emphasis = onPage(Role::staticText);
+    emphasis.childCount = 1;
+    EXPECT_EQ(axRole(emphasis), "AXGroup");
+    emphasis.childCount = 0;
+    EXPECT_EQ(axRole(emphasis), "AXStaticText");
+}
+
+TEST(Translation, ACellOfAPageDoesNotRepeatTheTextWithinIt) {
+    EXPECT_EQ(of(onPage(Role::tableCell, "58"), ax::value), kNone);
+    EXPECT_EQ(of(onPage(Role::tableCell, "58"), ax::description), kNone);
+    EXPECT_EQ(of(node(Role::tableCell, "58"), ax::value), text("58"));
+    Node named = onPage(Role::tableCell, "Rent of a whole plot");
+    named.attributes = {{"explicit-name", "true"}};
+    EXPECT_EQ(of(named, ax::description), text("Rent of a whole plot"));
+}
+
+TEST(Translation, AColumnHeaderOfAPageIsAButtonIfItSorts) {
+    EXPECT_EQ(axRole(onPage(Role::columnHeader)), "AXCell");
+    EXPECT_EQ(of(onPage(Role::columnHeader), ax::subrole), kNone);
+    Node sorting = onPage(Role::columnHeader, "Rent");
+    sorting.attributes = {{"sort", "ascending"}};
+    EXPECT_EQ(axRole(sorting), "AXButton");
+    EXPECT_EQ(of(sorting, ax::title), text("Rent"));
+}
+
+TEST(Translation, ADropDownListSaysWhatIsChosenAndWhatItIsCalled) {
+    Node list = onPage(Role::comboBox, "Site");
+    EXPECT_EQ(of(list, ax::value), text("Site"));
+    list.text = "Mill Lane";
+    EXPECT_EQ(of(list, ax::value), text("Mill Lane"));
+    EXPECT_EQ(of(list, ax::description), text("Site"));
+}
+
+TEST(Translation, TheCloseButtonOfABrowsersTabIsNotItsWindows) {
+    Node close = node(Role::pushButton, "Close");
+    close.inTitleBar = true;
+    EXPECT_EQ(of(close, ax::subrole), text("AXCloseButton"));
+    close.attributes = {{"class", "TabCloseButton"}};
+    EXPECT_EQ(of(close, ax::subrole), kNone);
+    close.attributes = {{"class", "FrameCaptionButton"}};
+    EXPECT_EQ(of(close, ax::subrole), text("AXCloseButton"));
+}
+
 }  // namespace
 }  // namespace tarvix::atspi
