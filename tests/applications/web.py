@@ -1,6 +1,7 @@
 """Browsers on pages of our own."""
 
 from application import Application, Shortfall
+import office
 import swing
 from browsing import ChromiumProbe, FirefoxProbe, browsers
 
@@ -40,4 +41,4 @@ def firefox(name, page):
                        unclicked="$^", shortfalls=GECKO_SHORTFALLS)
 
 
-APPLICATIONS = [make(name, page) for make in (chromium, firefox) for name, page in PAGES.items()] + swing.APPLICATIONS
+APPLICATIONS = [make(name, page) for make in (chromium, firefox) for name, page in PAGES.items()] + swing.APPLICATIONS + office.APPLICATIONS
