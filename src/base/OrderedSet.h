@@ -65,13 +65,13 @@ public:
 
     // The same with a set that isn't needed any more, whose elements are moved here unless others share them.
     void unite(OrderedSet&& other) {
+        OrderedSet taken = std::exchange(other, OrderedSet());
         if (empty()) {
-            *this = std::move(other);
-        } else {
-            other.detach();
-            for (const Position position : other.order_) insert(std::move(other.store_->elements[position]));
+            *this = std::move(taken);
+            return;
         }
-        other.clear();
+        taken.detach();
+        for (const Position position : taken.order_) insert(std::move(taken.store_->elements[position]));
     }
 
     bool contains(const T& element) const { return !slots_.empty() && slots_[slotOf(element, Hash{}(element))] != 0; }

@@ -94,14 +94,14 @@ SimulatedWindow SimulatedDesktop::addSurface(std::int32_t pid, AxRect frame, int
 
 UIElement SimulatedDesktop::addMenuBar(std::int32_t pid, const std::vector<SimulatedElement>& items) {
     const UIElement owner = accessibility.addApplication(pid);
-    const UIElement bar = accessibility.add(owner, {.role = "AXMenuBar", .frame = kMenuBarFrame, .children = items});
+    UIElement bar = accessibility.add(owner, {.role = "AXMenuBar", .frame = kMenuBarFrame, .children = items});
     accessibility.set(owner, ax::menuBar, bar);
     return bar;
 }
 
 SimulatedWindow SimulatedDesktop::addStatusItems(std::int32_t pid, const std::vector<SimulatedElement>& items) {
-    const SimulatedWindow bar = addSurface(pid, kMenuBarFrame, kStatusItemLayer,
-                                           {.role = "AXMenuBar", .frame = kMenuBarFrame, .children = items});
+    SimulatedWindow bar = addSurface(pid, kMenuBarFrame, kStatusItemLayer,
+                                     {.role = "AXMenuBar", .frame = kMenuBarFrame, .children = items});
     accessibility.set(accessibility.application(pid), ax::extrasMenuBar, bar.element);
     return bar;
 }
