@@ -302,8 +302,8 @@ protected:
     void quit() {
         if (pid_ <= 0) return;
         kill(pid_, SIGTERM);
-        // Nobody may wait for its status, so that something of it stays.
-        EXPECT_TRUE(await(kLimit, [this] { return programPath(pid_).empty(); }));
+        // Nobody may wait for its status, so that something of it stays; its window may stay for a moment.
+        EXPECT_TRUE(await(kLimit, [this] { return programPath(pid_).empty() && !windows_->active(); }));
         pid_ = -1;
     }
 

@@ -20,7 +20,7 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr std::string_view kExtension = ".desktop";
-constexpr std::size_t kLongest = 512 * 1024;  // longer ones would not be read whole
+constexpr std::size_t kLongest = std::size_t{512} * 1024;  // longer ones would not be read whole
 
 // The paths below a folder of its desktop files.
 std::vector<fs::path> entriesIn(const fs::path& folder) {
