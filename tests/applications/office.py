@@ -36,7 +36,15 @@ class OfficeProbe(Probe):
     def controls(self):
         return [Control(id=str(number), kind=kind, text=text, frame=tuple(frame), counted=kind != "field",
                         clickable=text in self.known["stay"] or what in self.known["stay"], draws_parts=kind == "text area")
-                for number, (kind, text, what, frame) in enumerate(self.known["controls"])]
+                for number, (kind, text, what, frame) in enumerate(self.known["controls"])] + self.cells()
+
+    def cells(self):
+        """Of a sheet; there is nothing to be seen in them but their borders."""
+        if "grid" not in self.known:
+            return []
+        left, top, width, height, right, bottom = self.known["grid"]
+        return [Control(id=f"cell {x} {y}", kind="field", text="", frame=(x, y, min(width, right - x), min(height, bottom - y)), counted=False,
+                        clickable=False) for y in range(top, bottom, height) for x in range(left, right, width)]
 
     def pictures_now(self):
         """Of every button that can stay pressed in, with the pointer away from all of them."""
@@ -71,4 +79,9 @@ def office(name, package, flag, shortfalls):
 
 BY_HAND = Shortfall("", "its controls are read off a picture, most of whose buttons have no borders, to a few pixels")
 
-APPLICATIONS = [office("libreoffice-writer", "libreoffice-writer", "--writer", [BY_HAND])]
+HEADINGS = Shortfall("^header: ", "the headings of the rows and columns of a sheet are drawn, and no object tells of them")
+
+APPLICATIONS = [
+    office("libreoffice-writer", "libreoffice-writer", "--writer", [BY_HAND]),
+    office("libreoffice-calc", "libreoffice-calc", "--calc", [HEADINGS, BY_HAND]),
+]
