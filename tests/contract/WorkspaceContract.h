@@ -19,8 +19,9 @@ namespace tarvix {
 struct WorkspaceSubject {
     std::shared_ptr<void> world;  // owns the service
     Workspace& service;
-    std::int32_t pid;                       // of the frontmost application
-    std::function<std::int32_t()> another;  // makes another application frontmost and says its process
+    std::int32_t pid;  // of the frontmost application
+    // Makes another application frontmost and says its process; nothing where a desktop tells nobody of it.
+    std::function<std::optional<std::int32_t>()> another;
     // Drives the service until the condition holds; false when it doesn't within a generous limit.
     std::function<bool(const std::function<bool()>&)> waitUntil;
 };
@@ -98,9 +99,10 @@ TEST_P(WorkspaceContract, AnotherFrontmostApplicationIsToldToThoseWhoObserve) {
     const Subscription observer = workspace.onApplicationActivated(
         [&](const RunningApplication& application) { told.push_back(application.processIdentifier); });
     dropped.reset();
-    const std::int32_t another = subject_.another();
+    const std::optional<std::int32_t> another = subject_.another();
+    if (!another) GTEST_SKIP() << "nobody says which application is frontmost";
     ASSERT_TRUE(subject_.waitUntil([&] { return !told.empty(); }));
-    EXPECT_EQ(told, std::vector{another});
+    EXPECT_EQ(told, std::vector{*another});
     EXPECT_TRUE(toldBefore.empty());
     EXPECT_EQ(workspace.frontmostApplication()->processIdentifier, another);
 }

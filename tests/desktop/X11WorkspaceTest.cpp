@@ -6,6 +6,7 @@
 #include <fstream>
 
 #include "linux/x11/X11Workspace.h"
+#include "tests/contract/WorkspaceContract.h"
 #include "tests/desktop/X11Desk.h"
 
 namespace tarvix {
@@ -175,6 +176,41 @@ TEST_F(X11WorkspaceOnDesktop, TheScreenReaderIsWhatTheAccessibilitySideSays) {
     workspace->announce("hello", 50);
     EXPECT_EQ(spoken, Lines{"hello"});
 }
+
+// The desk of the tests above, without a test of its own.
+class WorkspaceDesk : private X11WorkspaceOnDesktop {
+public:
+    WorkspaceDesk() {
+        SetUp();
+        // A window manager says which window is active after it has given it the focus.
+        EXPECT_TRUE(loop.runUntil([this] { return workspace->frontmostApplication()->processIdentifier == getpid(); }));
+        settle();
+    }
+    ~WorkspaceDesk() override { TearDown(); }
+
+    Workspace& service() { return *workspace; }
+    std::optional<std::int32_t> another() {
+        if (!hasWindowManager(*connection)) return std::nullopt;
+        applications.add("org.example.Other.desktop", "Name=Other\nStartupWMClass=Other");
+        other_.setText("WM_CLASS", std::string("other\0Other\0", 12));
+        EXPECT_TRUE(other_.show() && other_.focus());
+        return getpid();
+    }
+    bool waitUntil(const std::function<bool()>& condition) { return loop.runUntil(condition); }
+
+private:
+    void TestBody() override {}
+
+    X11Victim other_{{700, 300, 200, 100, false}};
+};
+
+WorkspaceSubject workspaceOfTheServer() {
+    const auto desk = std::make_shared<WorkspaceDesk>();
+    return {desk, desk->service(), getpid(), [desk] { return desk->another(); },
+            [desk](const std::function<bool()>& condition) { return desk->waitUntil(condition); }};
+}
+
+INSTANTIATE_TEST_SUITE_P(X11, WorkspaceContract, testing::Values(workspaceOfTheServer));
 
 TEST(X11DesktopEntries, AnEarlierFolderHidesTheFilesOfALaterOne) {
     Applications later;
