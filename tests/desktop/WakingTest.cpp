@@ -99,6 +99,18 @@ public:
         return count;
     }
 
+    // The events that somebody listens to, each with whoever does.
+    std::size_t listenedTo() const {
+        const Message reply = callBlocking(bus_.get(), "org.a11y.atspi.Registry", "/org/a11y/atspi/registry",
+                                           "org.a11y.atspi.Registry", "GetRegisteredEvents", Milliseconds(1000));
+        std::size_t count = 0;
+        const char* who = nullptr;
+        const char* event = nullptr;
+        EXPECT_TRUE(reply && sd_bus_message_enter_container(reply.get(), 'a', "(ss)") > 0);
+        while (reply && sd_bus_message_read(reply.get(), "(ss)", &who, &event) > 0) ++count;
+        return count;
+    }
+
 private:
     std::vector<Reference> childrenOf(const Reference& of) const {
         const Message reply = callBlocking(bus_.get(), of.bus.c_str(), of.path.c_str(), "org.a11y.atspi.Accessible",
@@ -200,6 +212,16 @@ user_pref("termsofuse.acceptedVersion", 999);
 };
 
 const auto nameOf = [](const auto& info) { return info.param.name; };
+
+// Newer accessibility buses call accessibility enabled for as long as somebody listens.
+class ListeningTest : public WakingTest {};
+TEST_F(ListeningTest, TarvixListensForAsLongAsItRuns) {
+    EXPECT_EQ(counter_.listenedTo(), 0U);
+    ASSERT_NO_FATAL_FAILURE(startTarvix());
+    EXPECT_TRUE(await(kLimit, [this] { return counter_.listenedTo() > 0; }));
+    tarvix_.reset();
+    EXPECT_TRUE(await(kLimit, [this] { return counter_.listenedTo() == 0; }));
+}
 
 class AfterTarvixTest : public WakingTest {};
 TEST_P(AfterTarvixTest, AnApplicationShowsItsTreeWithoutASearch) {
