@@ -77,6 +77,14 @@ protected:
         EXPECT_THAT(fixture_.menus(), ElementsAre("opened"));
     }
 
+    // What the program has told so far.
+    std::string moments() const {
+        std::string told;
+        for (const Moment& each : program_.log().all())
+            told += std::to_string(each.microseconds) + " " + each.name + " " + std::to_string(each.count) + "\n";
+        return told;
+    }
+
     Keyboard keyboard_;
     Fixture fixture_{GetParam().script, GetParam().more};
     Program program_{TARVIX_PROGRAM};
@@ -89,7 +97,7 @@ TEST_P(MenuEntryTest, TheEntriesAreCandidatesAndReturnActivatesOne) {
     Program::Step typed;
     for (int tries = 0; tries < 3 && !typed; ++tries) {
         if (tries > 0) {
-            ASSERT_TRUE(program_.press(keyboard_, keysym::escape, milestone::inputHidden));
+            ASSERT_TRUE(program_.press(keyboard_, keysym::escape, milestone::inputHidden)) << moments();
         }
         open();
         typed = program_.type(keyboard_, GetParam().query);
