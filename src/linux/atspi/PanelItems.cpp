@@ -201,9 +201,20 @@ private:
         return left;
     }
 
+    // The rows of buttons that may be the tray's. Xfce's panel has its tray in another process; what is nameless in its
+    // own is a launcher.
+    std::vector<std::vector<int>> rowsOfTheTray() const {
+        std::vector<std::vector<int>> rows = namelessRows(nodes_);
+        if (around_.order)
+            std::erase_if(rows, [this](const std::vector<int>& row) {
+                return at(nodes_, row.front()).reference.bus == nodes_.front().reference.bus;
+            });
+        return rows;
+    }
+
     // What the tray's items say of the buttons that say nothing themselves.
     std::map<int, Names> trayNames() const {
-        const std::vector<std::vector<int>> rows = namelessRows(nodes_);
+        const std::vector<std::vector<int>> rows = rowsOfTheTray();
         if (rows.empty()) return {};
         const std::vector<NotifierItem> notifiers = notifiersLeft();
         const auto fits = [&](const std::vector<int>& row) { return row.size() == notifiers.size(); };

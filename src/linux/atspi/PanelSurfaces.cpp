@@ -45,7 +45,9 @@ DesktopEntries& PanelSurfaces::entries() {
 
 std::vector<PanelItem> PanelSurfaces::itemsOf(std::int32_t pid, const std::vector<X11Window>& panels,
                                               std::vector<X11Window> clients) {
-    std::vector<NodeTree> trees = trees_.fetch(pid, panels, Clock::now() + kLimit);
+    std::vector<std::vector<X11Window>> embedded;
+    for (const X11Window& panel : panels) embedded.push_back(windows_.embeddedIn(panel.number));
+    std::vector<NodeTree> trees = trees_.fetch(pid, panels, embedded, Clock::now() + kLimit);
     const bool isXfce = panels.front().windowClass == kXfcePanel;
     PanelSurroundings around;
     around.clients = std::move(clients);
@@ -54,7 +56,7 @@ std::vector<PanelItem> PanelSurfaces::itemsOf(std::int32_t pid, const std::vecto
     if (isXfce && std::ranges::any_of(trees, hasNamelessButtons)) around.order = notifiers_.xfceOrder();
     std::vector<PanelItem> items;
     for (std::size_t i = 0; i < panels.size(); ++i) {
-        const PanelSeen seen{panels[i], std::move(trees[i]), windows_.embeddedIn(panels[i].number)};
+        const PanelSeen seen{panels[i], std::move(trees[i]), std::move(embedded[i])};
         std::ranges::move(panelItems(seen, around), std::back_inserter(items));
     }
     return items;

@@ -87,18 +87,25 @@ std::set<std::string> PanelTrees::stillSilent() {
     return silent;
 }
 
+std::optional<Reference> plugOf(const std::string& accessiblePath) {
+    const std::size_t slash = accessiblePath.find(":/");
+    if (slash == std::string::npos || slash == 0) return std::nullopt;
+    return Reference{accessiblePath.substr(0, slash), accessiblePath.substr(slash + 1)};
+}
+
 std::vector<NodeTree> PanelTrees::fetch(std::int32_t pid, const std::vector<X11Window>& panels,
+                                        const std::vector<std::vector<X11Window>>& embedded,
                                         Clock::time_point deadline) {
     std::vector<NodeTree> trees(panels.size());
     const std::set<std::string> silent = stillSilent();
     for (const Application& application : applications_.ofProcess(pid, deadline))
-        if (!silent.contains(application.bus)) fetchFrom(application, panels, silent, deadline, trees);
+        if (!silent.contains(application.bus)) fetchFrom(application, panels, embedded, silent, deadline, trees);
     return trees;
 }
 
 void PanelTrees::fetchFrom(const Application& application, const std::vector<X11Window>& panels,
-                           const std::set<std::string>& silent, Clock::time_point deadline,
-                           std::vector<NodeTree>& trees) {
+                           const std::vector<std::vector<X11Window>>& embedded, const std::set<std::string>& silent,
+                           Clock::time_point deadline, std::vector<NodeTree>& trees) {
     std::optional<Lease> lease = applications_.connectOverBus();
     if (!lease) return;
     Pipeline pipeline(lease->bus(), deadline);
@@ -113,6 +120,10 @@ void PanelTrees::fetchFrom(const Application& application, const std::vector<X11
                        applications_.paddings(application.bus));
         tree.leaveOut(silent);
         tree.run(frame->reference);
+        std::vector<Reference> plugs;
+        for (const X11Window& each : embedded[i])
+            if (auto plug = plugOf(each.accessiblePath)) plugs.push_back(std::move(*plug));
+        tree.addPopups(plugs);
         tree.finish();
         applications_.keepRoleWords(application.bus, tree.roleWords());
         trees[i] = tree.takeTree();

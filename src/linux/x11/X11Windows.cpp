@@ -114,9 +114,17 @@ public:
 
     std::vector<X11Window> embeddedIn(std::uint32_t number) override {
         const std::lock_guard lock(mutex_);
+        const std::vector<xcb_window_t> foreign = foreignBelow(number);
+        std::vector<xcb_get_property_cookie_t> paths;
+        for (const xcb_window_t each : foreign) paths.push_back(x_->askProperty(each, "_XEMBED_AT_SPI_PATH"));
+        auto all = readAll(foreign);
         std::vector<X11Window> result;
-        for (auto& seen : readAll(foreignBelow(number)))
-            if (seen && seen->isViewable && !seen->isInputOnly) result.push_back(std::move(seen->window));
+        for (std::size_t i = 0; i < all.size(); ++i) {
+            const auto path = x_->text(paths[i]);
+            if (!all[i] || !all[i]->isViewable || all[i]->isInputOnly) continue;
+            all[i]->window.accessiblePath = path.value_or("");
+            result.push_back(std::move(all[i]->window));
+        }
         return result;
     }
 

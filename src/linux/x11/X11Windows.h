@@ -37,6 +37,9 @@ struct X11Window {
     // Only of a window of the type DOCK, and only in onScreen(): the box around what of it takes clicks and is on the
     // screen; null where nothing is. Docks let the clicks through where they show nothing.
     AxRect clickable = AxRect::null();
+    // Only in embeddedIn(): the accessible object that a window of GTK stands for, as "name:path" of the accessibility
+    // bus (_XEMBED_AT_SPI_PATH); empty where not set.
+    std::string accessiblePath;
 
     bool hasType(std::string_view type) const { return std::ranges::count(types, type) > 0; }
 

@@ -133,17 +133,20 @@ TEST_F(PanelItems, TheOnlyControlOfANamedPartGoesByThat) {
 }
 
 TEST_F(PanelItems, NamelessButtonsGoByTheTraysItems) {
+    const int launcher = add(0, Role::filler, boxAt(100, 30));
+    add(launcher, Role::pushButton, boxAt(100));
+    addHidden(launcher, Role::invalid);
     const int box = add(0, Role::panel, boxAt(1800, 60));
-    add(box, Role::pushButton, boxAt(1800));
-    addHidden(box, Role::invalid);
-    add(box, Role::pushButton, boxAt(1830));
+    for (const int button : {add(box, Role::pushButton, boxAt(1800)), addHidden(box, Role::invalid),
+                             add(box, Role::pushButton, boxAt(1830))})
+        at(button).reference.bus = ":wrapper";
     EXPECT_TRUE(hasNamelessButtons(panel.nodes));
     around.order = TrayOrder{{"willow", "alder", "rowan"}, {"alder"}};
     setNotifiers({{":1", "/", "rowan", "Rowan", "3 berries", false},
                   {":2", "/", "willow", "", "", false},
                   {":3", "/", "alder", "", "", false}});
     EXPECT_THAT(names(PanelRow::tray), ElementsAre("willow", "Rowan"));
-    EXPECT_EQ(panelItems(panel, around)[1].node.description, "3 berries");
+    EXPECT_EQ(panelItems(panel, around).back().node.description, "3 berries");
 }
 
 TEST_F(PanelItems, AnItemThatAButtonTellsOfNamesNoOther) {
