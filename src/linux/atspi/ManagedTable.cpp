@@ -30,7 +30,9 @@ public:
         const double x = std::max(clip_.minX(), node.frame.minX()), y = std::max(clip_.minY(), node.frame.minY());
         seen_ = {{x, y},
                  {std::min(clip_.maxX(), node.frame.maxX()) - x, std::min(clip_.maxY(), node.frame.maxY()) - y}};
-        sheet_ = fetch.application_.toolkit == Toolkit::libreOffice;
+        // Its lists in windows of their own are GTK's.
+        const std::string* toolkit = node.attribute("toolkit");
+        sheet_ = fetch.application_.toolkit == Toolkit::libreOffice && !(toolkit && *toolkit == "gtk");
     }
 
     void start() {
