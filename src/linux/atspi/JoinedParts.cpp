@@ -72,16 +72,22 @@ void addWord(std::string& text, const std::string& word) {
     if (!word.empty()) text += (text.empty() ? "" : " ") + word;
 }
 
-// What is written on a control; all that draws it is hidden.
-std::string takeWriting(NodeTree& tree, const Node& control) {
+// What is written on a control. Empty where it holds something that can be used on its own.
+std::string writingOn(const NodeTree& tree, const Node& control) {
     std::string text;
     const Below parts = below(tree, control);
     if (!parts.rest.empty()) return text;
-    for (const int at : parts.drawing) {
-        Node& part = tree[static_cast<std::size_t>(at)];
-        part.shows = false;
-        if (saysText(part)) addWord(text, part.name);
-    }
+    for (const int at : parts.drawing)
+        if (const Node& part = tree[static_cast<std::size_t>(at)]; saysText(part)) addWord(text, part.name);
+    return text;
+}
+
+// The same, and all that draws it is hidden.
+std::string takeWriting(NodeTree& tree, const Node& control) {
+    std::string text = writingOn(tree, control);
+    const Below parts = below(tree, control);
+    if (parts.rest.empty())
+        for (const int at : parts.drawing) tree[static_cast<std::size_t>(at)].shows = false;
     return text;
 }
 
@@ -111,8 +117,11 @@ void join(NodeTree& tree, Node& control, Toolkit toolkit) {
 void joinParts(NodeTree& tree, Toolkit toolkit) {
     for (Node& node : tree) {
         if (!node.shows || node.inWebContent || node.children.empty()) continue;
-        // The page of a tab is below it in GTK 3.
-        if (isControl(node.role) || (toolkit == Toolkit::gtk4 && node.role == Role::pageTab)) join(tree, node, toolkit);
+        if (isControl(node.role)) join(tree, node, toolkit);
+        // A tab of GTK 4 may be named with the mark of its shortcut. In GTK 3 its page is below it.
+        if (toolkit == Toolkit::gtk4 && node.role == Role::pageTab)
+            if (std::string text = writingOn(tree, node); node.name.find(text) == std::string::npos)
+                node.text = std::move(text);
         if (node.role == Role::tableCell && std::any_of(node.children.begin(), node.children.end(), [&](int child) {
                 return tree[static_cast<std::size_t>(child)].shows;
             }))
