@@ -9,7 +9,7 @@ import tempfile
 import time
 from pathlib import Path
 
-from comparing import candidate, compare, explain, is_confirmed, next_click, shared
+from comparing import candidate, compare, explain, is_confirmed, next_click, plain, shared
 from table import Row, is_found_well
 
 START_LIMIT = 90.0  # seconds; an office suite that starts for the first time on a busy machine
@@ -200,7 +200,7 @@ def shortfalls(application, version, comparison, unconfirmed):
                            ("not exact", [str(control) for control, _ in comparison.inexact]),
                            ("found but unseen", [str(found) for found in comparison.unseen]),
                            ("clicked but not confirmed", [str(control) for control in unconfirmed])):
-        for reason, about in explain([subject[:80] for subject in subjects], application.shortfalls).items():
+        for reason, about in explain([plain(subject)[:80] for subject in subjects], application.shortfalls).items():
             lines.append(f"{len(about)} {what} ({quoted(about)}). {version}: {reason or UNEXPLAINED}")
     return lines
 
