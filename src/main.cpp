@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QProcessEnvironment>
 #include <QStandardPaths>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <iostream>
@@ -137,6 +138,9 @@ void keepToPixels() {
     qputenv("QT_QPA_PLATFORM", "xcb");
 }
 
+// What reads our output may end before us, a pager or a log; that alone must not end the program.
+void outliveReaders() { std::signal(SIGPIPE, SIG_IGN); }
+
 // Qt looks only once whether accessibility is on, and this program is often what switches it on.
 void beThereForScreenReaders() { qputenv("QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "1"); }
 
@@ -229,6 +233,7 @@ int run(std::unique_ptr<X11Windows> windows, const QProcessEnvironment& environm
 
 int main(int count, char** arguments) {
     if (const auto status = answerCommandLine(count, arguments)) return *status;
+    outliveReaders();
     X11Remains& remains = startGuard();
     // Asked before Qt, which ends the process with a long text where there is no display.
     auto windows = require(X11Windows::open());
