@@ -9,6 +9,7 @@
 #include "linux/atspi/ManagedTable.h"
 #include "linux/atspi/Popups.h"
 #include "linux/atspi/Replies.h"
+#include "linux/atspi/TableNumbering.h"
 #include "linux/atspi/TitleStrip.h"
 #include "linux/atspi/Translation.h"
 
@@ -147,7 +148,10 @@ void TreeFetch::finish() {
     addTextElements();
     markTitleBar();
     if (application_.toolkit == Toolkit::java) heightenHeaders();
-    if (application_.toolkit == Toolkit::libreOffice) describeButtons();
+    if (application_.toolkit == Toolkit::libreOffice) {
+        describeButtons();
+        addHeadings();
+    }
     clipFrames();
 }
 
@@ -823,6 +827,32 @@ void TreeFetch::describeButtons() {
         const Node& panel = tree_[static_cast<std::size_t>(node.parent)];
         if (node.name.empty() && node.description.empty() && panel.role == Role::panel && panel.childCount == 1)
             node.description = panel.description;
+    }
+}
+
+// The headings of a sheet's columns and rows have no objects. They are between the corner of the scroll pane and that
+// of the sheet, as wide and as high as the cells, which have them in their names.
+void TreeFetch::addHeadings() {
+    const std::size_t count = tree_.size();
+    for (std::size_t i = 0; i < count; ++i) {
+        const Node& table = tree_[i];
+        if (table.role != Role::table || table.children.empty() || table.parent < 0) continue;
+        const int sheet = table.parent, pane = tree_[static_cast<std::size_t>(sheet)].parent;
+        if (tree_[static_cast<std::size_t>(sheet)].role != Role::documentSpreadsheet || pane < 0) continue;
+        const AxPoint corner = tree_[static_cast<std::size_t>(pane)].frame.origin, first = table.frame.origin;
+        const std::vector<int> cells = table.children;
+        for (const int at : cells) {
+            const auto [name, cell] =
+                std::pair(tree_[static_cast<std::size_t>(at)].name, tree_[static_cast<std::size_t>(at)].frame);
+            if (!parseCellName(name)) continue;
+            const std::size_t letters = name.find_first_of("0123456789");
+            if (cell.minY() <= first.y)
+                addTextElement(sheet, name.substr(0, letters),
+                               {{cell.minX(), corner.y}, {cell.width(), first.y - corner.y}}, std::string::npos);
+            if (cell.minX() <= first.x)
+                addTextElement(sheet, name.substr(letters),
+                               {{corner.x, cell.minY()}, {first.x - corner.x, cell.height()}}, std::string::npos);
+        }
     }
 }
 

@@ -126,6 +126,7 @@ private:
     void straightenLibreOffice();
     void heightenHeaders();
     void describeButtons();
+    void addHeadings();
     void clipFrames();
 
     Pipeline& pipeline_;
