@@ -236,6 +236,16 @@ TEST(X11DesktopEntries, WhatAnEntrySaysOfItsWindowsComesBeforeTheNameOfAFile) {
     EXPECT_FALSE(entries.ofWindow("", ""));
 }
 
+TEST(X11DesktopEntries, OfSeveralThatStartAProgramOneInMenusIsIt) {
+    Applications applications;
+    applications.add("panel-handler.desktop", "Name=Add a launcher\nExec=panel --add %u\nNoDisplay=true");
+    applications.add("panel-settings.desktop", "Name=Panel\nExec=panel --settings");
+    applications.add("agent.desktop", "Name=Agent\nExec=agent\nNoDisplay=true");
+    DesktopEntries entries({applications.folder()});
+    EXPECT_EQ(entries.ofProgram("panel")->name, "Panel");
+    EXPECT_EQ(entries.ofProgram("agent")->name, "Agent");
+}
+
 TEST(X11DesktopEntries, ASnapIsFoundByItsMainApplicationElseByAnyOfIt) {
     Applications applications;
     applications.add("code_url-handler.desktop", "Name=Handler");

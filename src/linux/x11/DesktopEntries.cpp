@@ -98,7 +98,8 @@ std::optional<DesktopEntry> entryOf(const fs::path& file, const fs::path& folder
             name = translated->second;
             break;
         }
-    return DesktopEntry{idOf(file, folder), name, values["StartupWMClass"], programOf(values["Exec"]), file};
+    return DesktopEntry{idOf(file, folder),        name, values["StartupWMClass"],
+                        programOf(values["Exec"]), file, values["NoDisplay"] != "true"};
 }
 
 // Those whose id isn't known yet.
@@ -177,7 +178,8 @@ std::optional<DesktopEntry> DesktopEntries::ofWindow(std::string_view windowClas
 
 std::optional<DesktopEntry> DesktopEntries::ofProgram(std::string_view program) {
     if (program.empty()) return std::nullopt;
-    return find<Fits>({[&](const DesktopEntry& e) { return e.program == program; }});
+    return find<Fits>({[&](const DesktopEntry& e) { return e.program == program && e.isInMenus; },
+                       [&](const DesktopEntry& e) { return e.program == program; }});
 }
 
 std::optional<DesktopEntry> DesktopEntries::ofSnap(std::string_view snap) {

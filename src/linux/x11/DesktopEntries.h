@@ -17,6 +17,7 @@ struct DesktopEntry {
     std::string windowClass;  // StartupWMClass
     std::string program;      // the base name of what Exec starts
     std::filesystem::path file = {};
+    bool isInMenus = true;  // not NoDisplay
     friend bool operator==(const DesktopEntry&, const DesktopEntry&) = default;
 };
 
@@ -30,6 +31,7 @@ public:
     std::optional<DesktopEntry> withId(std::string_view id);
     // By a window's class and instance: first what an entry says of its windows, then what its file is named.
     std::optional<DesktopEntry> ofWindow(std::string_view windowClass, std::string_view windowInstance);
+    // Of several that start the program one that is in menus; the others are mostly for a single task of it.
     std::optional<DesktopEntry> ofProgram(std::string_view program);
     // By the name that a person reads.
     std::optional<DesktopEntry> named(std::string_view name);
