@@ -10,7 +10,8 @@ INTRODUCTION = """# What a search finds in applications
 `tools/applications` makes this page: it starts each application on a desktop of its own, counts what a person sees in its window,
 gathers the candidates of a search with the program's own services, and clicks up to ten of them.
 
-- **controls**: counted from inside the application, by its own toolkit or page and never through accessibility. Counted are buttons,
+- **controls**: counted from inside the application, by its own toolkit or page and never through accessibility; in LibreOffice and in
+  Chromium's own window, which tell nobody else, read off a picture once, for these versions (`tests/applications/measured`). Counted are buttons,
   check boxes, radio buttons, switches, sliders, spin buttons, combo boxes, text fields and areas, links, tabs, menu bar entries, column
   headers, the text or check of each cell of a table, tree or icon view, group titles, progress texts and all other texts. A text on a
   button, a tab or the like is one with it. What one widget draws of itself, as a calendar or a chart does, is one control. Not counted
@@ -20,8 +21,12 @@ gathers the candidates of a search with the program's own services, and clicks u
   texts hold its text.
 - **frames exact**: the candidate's frame is that of the control, or of a text the box of its letters, to 2 pixels.
 - **unseen**: candidates at whose place nothing of that size, and no such text, can be seen.
-- **clicks confirmed**: the application itself says that the press of the mouse reached that control.
+- **clicks confirmed**: the application itself says that the press of the mouse reached that control; LibreOffice by a button that stays
+  pressed in with the pointer away.
 - **ms**: gathering the candidates, the median of 15 readings; it depends on the machine, and all rows of one run are from one machine.
+
+No Electron application is among them: Debian 12 has none, and npm's `electron` fetches the program itself from
+elsewhere.
 """
 
 SHORTFALLS = "## What is missing, and why\n"

@@ -15,7 +15,7 @@ CHROMIUM_SHORTFALLS = [
     COVERED,
     Shortfall("^tab: ", "a tab's box counts its feet in, which reach below its neighbours"),
     Shortfall(r"^entry: 127\.", "the address field is the text between its two buttons, and drawn as one with them"),
-    Shortfall("^button: ", "the button for a new tab is told as tall as the bar of tabs, and lights up as a circle"),
+    Shortfall("^button:", "the button for a new tab is told as tall as the bar of tabs, and lights up as a circle"),
 ]
 GECKO_SHORTFALLS = [
     COVERED,
