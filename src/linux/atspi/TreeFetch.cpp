@@ -339,8 +339,8 @@ bool TreeFetch::showsByState(const Node& node) const {
 bool TreeFetch::isWithinClip(int index) const {
     const Node& node = tree_[static_cast<std::size_t>(index)];
     if (!node.raw) return true;
-    // A part of another process (a plug of GTK 3) that has been missed by its socket doesn't know where it is; what is in
-    // it does.
+    // A part of another process (a plug of GTK 3) that has been missed by its socket doesn't know where it is; what is
+    // in it does.
     const bool isPlug = !direct_ && node.parent == 0 && node.reference.bus != application_.bus;
     if (!isSane(*node.raw)) return isPlug;
     // A cell holds nothing else, and one without a size is a column or a part of a cell that is hidden.
