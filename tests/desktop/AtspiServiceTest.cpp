@@ -592,6 +592,23 @@ TEST_F(AtspiActionTest, AnApplicationThatDoesntAnswerAPressIsNotWaitedFor) {
     EXPECT_EQ(service_->perform(button, ax::press), AxStatus::cannotComplete);
 }
 
+// So that what would be pressed is clicked instead.
+TEST_F(AtspiActionTest, JavaHasNoElementAtAPoint) {
+    const AxRect area = window_.visible();
+    for (const auto& [toolkit, status] :
+         {std::pair("Qt", AxStatus::success), std::pair("J2SE-access-bridge", AxStatus::noValue)}) {
+        SCOPED_TRACE(toolkit);
+        start(toolkit);
+        addButtons(1);
+        app_->set("frame", {.role = Role::frame,
+                            .name = "fake",
+                            .box = box(0, 0, static_cast<int>(area.size.width), static_cast<int>(area.size.height)),
+                            .children = {"button0"},
+                            .hit = [](std::int32_t, std::int32_t) { return "button0"; }});
+        EXPECT_EQ(service_->elementAt({area.origin.x + 10, area.origin.y + 10}).status, status);
+    }
+}
+
 // --- No bus.
 
 // Everything that can be asked about a window gets an answer; `window` by the X server's word.

@@ -297,6 +297,8 @@ AxResult<std::optional<UIElement>> AtspiService::elementAt(AxPoint point) {
     if (hit == windows.end()) return {AxStatus::noValue, std::nullopt};
     const Clock::time_point deadline = Clock::now() + kAtPoint;
     const std::optional<FrameFound> frame = findFrame(applications_, *hit, &windows_, deadline);
+    // Java's hit test ends at the window's root pane (atk-wrapper 0.40), which nobody means.
+    if (frame && frame->application.toolkit == Toolkit::java) return {AxStatus::noValue, std::nullopt};
     std::optional<Lease> lease = frame ? applications_.connect(frame->application, deadline) : std::nullopt;
     if (!lease) return {AxStatus::cannotComplete, std::nullopt};
     const Placement placement = place(frame->application.toolkit, *hit, frame->box);
