@@ -84,8 +84,9 @@ protected:
                                        static_cast<int>(window_.client.size.height)),
                             .children = std::move(children)});
     }
+    // Of a role that means nothing to any toolkit: a panel of Qt has a title.
     FakeObject panel(const std::string& name, Names children = {}) const {
-        return {.role = Role::panel, .name = name, .box = box(10, 5, 100, 50), .children = std::move(children)};
+        return {.role = Role::filler, .name = name, .box = box(10, 5, 100, 50), .children = std::move(children)};
     }
     void addPanel(const std::string& name, Names children = {}) { app_->set(name, panel(name, std::move(children))); }
     void addButton(const std::string& name, int row, bool showing = true) {
@@ -219,7 +220,7 @@ TEST_P(AtspiTreeTest, WhatDoesntShowIsNoChildAndIsNotGoneInto) {
 TEST_P(AtspiTreeTest, ATreeThatGoesOnForEverEndsAndCanBeWalked) {
     setFrame({"1"});
     app_->setMaker([this](const std::string& name) {
-        FakeObject made = {.role = Role::panel, .name = name, .box = box(0, 0, 100, 50)};
+        FakeObject made = {.role = Role::filler, .name = name, .box = box(0, 0, 100, 50)};
         made.children = {std::to_string(std::stol(name) + 1)};
         return made;
     });
@@ -232,7 +233,7 @@ TEST_P(AtspiTreeTest, ATreeThatGoesOnForEverEndsAndCanBeWalked) {
 TEST_P(AtspiTreeTest, ATreeThatGrowsForEverEnds) {
     setFrame({"1"});
     app_->setMaker([this](const std::string& name) {
-        FakeObject made = {.role = Role::panel, .name = name, .box = box(0, 0, 100, 50)};
+        FakeObject made = {.role = Role::filler, .name = name, .box = box(0, 0, 100, 50)};
         for (int i = 0; i < 40; ++i) made.children.push_back(name + "x" + std::to_string(i));
         return made;
     });
