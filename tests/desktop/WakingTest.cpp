@@ -213,21 +213,12 @@ user_pref("termsofuse.acceptedVersion", 999);
 
 const auto nameOf = [](const auto& info) { return info.param.name; };
 
-// Newer accessibility buses call accessibility enabled for as long as somebody listens.
-class ListeningTest : public WakingTest {};
-TEST_F(ListeningTest, TarvixListensForAsLongAsItRuns) {
-    EXPECT_EQ(counter_.listenedTo(), 0U);
-    ASSERT_NO_FATAL_FAILURE(startTarvix());
-    EXPECT_TRUE(await(kLimit, [this] { return counter_.listenedTo() > 0; }));
-    tarvix_.reset();
-    EXPECT_TRUE(await(kLimit, [this] { return counter_.listenedTo() == 0; }));
-}
-
 class AfterTarvixTest : public WakingTest {};
 TEST_P(AfterTarvixTest, AnApplicationShowsItsTreeWithoutASearch) {
     ASSERT_NO_FATAL_FAILURE(startTarvix());
     ASSERT_NO_FATAL_FAILURE(startApplication());
     expectTheTree(GetParam().objects);
+    EXPECT_EQ(counter_.listenedTo(), 0U) << "programs of Qt hold keys back while somebody listens";
 }
 INSTANTIATE_TEST_SUITE_P(Started, AfterTarvixTest, ::testing::Values(kChromium, kFirefox, kQt5, kQt6, kLibreOffice),
                          nameOf);
