@@ -18,6 +18,7 @@
 #include "linux/atspi/Replies.h"
 #include "tests/desktop/AtspiFake.h"
 #include "tests/desktop/X11Victim.h"
+#include "tests/desktop/play/Activation.h"
 #include "tests/desktop/play/Await.h"
 
 namespace tarvix {
@@ -58,10 +59,7 @@ protected:
     void SetUp() override {
         victim_.setText("WM_NAME", "fake");
         ASSERT_TRUE(victim_.show());
-        ASSERT_TRUE(await(10s, [this] {
-            const auto active = windows_->active();
-            return active && active->number == victim_.window();
-        })) << "the window didn't become the active one";
+        ASSERT_TRUE(becomesActive(*windows_, victim_.window())) << "the window didn't become the active one";
         window_ = *windows_->active();
         ASSERT_EQ(window_.pid, getpid());
     }

@@ -13,6 +13,7 @@
 #include "linux/doctor/Survey.h"
 #include "tests/desktop/AtspiFake.h"
 #include "tests/desktop/X11Victim.h"
+#include "tests/desktop/play/Activation.h"
 #include "tests/desktop/play/Await.h"
 
 namespace tarvix {
@@ -28,10 +29,7 @@ protected:
     void SetUp() override {
         victim_.setText("WM_NAME", "fake");
         ASSERT_TRUE(victim_.show());
-        ASSERT_TRUE(await(10s, [this] {
-            const auto active = windows_->active();
-            return active && active->number == victim_.window();
-        }));
+        ASSERT_TRUE(becomesActive(*windows_, victim_.window()));
         window_ = *windows_->active();
     }
 

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "tests/desktop/X11Victim.h"
+#include "tests/desktop/play/Activation.h"
 #include "tests/desktop/play/Await.h"
 #include "tests/desktop/play/Keyboard.h"
 #include "tests/desktop/play/Process.h"
@@ -154,14 +155,7 @@ protected:
     // As a taskbar does it; it comes to the front, even where it was active before.
     void activate(xcb_window_t window) {
         X11Connection& x = desktop_.connection();
-        xcb_client_message_event_t message{};
-        message.response_type = XCB_CLIENT_MESSAGE;
-        message.format = 32;
-        message.window = window;
-        message.type = x.atom("_NET_ACTIVE_WINDOW");
-        message.data.data32[0] = 2;
-        xcb_send_event(x.get(), 0, x.root(), XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
-                       reinterpret_cast<const char*>(&message));
+        askForActivation(x, window);
         ASSERT_TRUE(await(kLimit, [&] {
             const auto active = x.items(x.root(), "_NET_ACTIVE_WINDOW");
             return !active.empty() && active.front() == window;

@@ -15,6 +15,7 @@
 
 #include "ax/AXEngine2.h"
 #include "tests/desktop/RealServices.h"
+#include "tests/desktop/play/Activation.h"
 #include "tests/desktop/play/Await.h"
 #include "tests/desktop/play/Fixture.h"
 
@@ -63,14 +64,7 @@ protected:
     // As a pager does it.
     void activate(std::uint32_t window) const {
         X11Connection& x = *services_.connection;
-        xcb_client_message_event_t wish{};
-        wish.response_type = XCB_CLIENT_MESSAGE;
-        wish.format = 32;
-        wish.window = window;
-        wish.type = x.atom("_NET_ACTIVE_WINDOW");
-        wish.data.data32[0] = 2;
-        xcb_send_event(x.get(), 0, x.root(), XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
-                       reinterpret_cast<const char*>(&wish));
+        askForActivation(x, window);
         x.sync();
         EXPECT_TRUE(await(5s, [&] { return isActive(window); }));
     }
