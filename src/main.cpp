@@ -19,6 +19,7 @@
 #include "linux/desktops/DesktopAppearance.h"
 #include "linux/desktops/GtkAppearance.h"
 #include "linux/desktops/KdeAppearance.h"
+#include "linux/desktops/XdgAutostart.h"
 #include "linux/doctor/Survey.h"
 #include "linux/doctor/UserEntryFiles.h"
 #include "linux/x11/DesktopEntries.h"
@@ -47,9 +48,11 @@
 #include "qt/QtPasteboard.h"
 #include "qt/QtRunLoop.h"
 #include "qt/QtScreenReader.h"
+#include "qt/QtStatusBar.h"
 #include "qt/QtUserDefaults.h"
 #include "qt/ScreenLock.h"
 #include "qt/TerminationSignals.h"
+#include "qt/updates/QtUpdater.h"
 #include "shell/Doctor.h"
 
 using namespace tarvix;
@@ -179,6 +182,9 @@ int run(std::unique_ptr<X11Windows> windows, const QProcessEnvironment& environm
     QtApplication thisProgram(QtUserDefaults::standardPath(), environment);
     QtPasteboard pasteboard;
     QtNotificationCenter notificationCenter;
+    QtStatusBar statusBar;
+    XdgAutostart loginItems;
+    QtUpdater updater;
 
     const auto connection = require(X11Connection::open());
     connection->noteRemainsIn(remains);
@@ -203,9 +209,9 @@ int run(std::unique_ptr<X11Windows> windows, const QProcessEnvironment& environm
         if (event == HotKeyEvent::pressed) milestones.reached(milestone::hotKeyPressed, 0);
     });
 
-    const Platform platform{*accessibility, thisProgram,  *workspace, *windowServer,      *screens,
-                            *events,        *eventTaps,   *hotKeys,   *inputSources,      panels,
-                            runLoop,        userDefaults, pasteboard, notificationCenter, milestones};
+    const Platform platform{*accessibility, thisProgram,        *workspace,    *windowServer, *screens,   *events,
+                            *eventTaps,     *hotKeys,           *inputSources, panels,        runLoop,    userDefaults,
+                            pasteboard,     notificationCenter, milestones,    statusBar,     loginItems, updater};
     AppCore core(platform);
     if (!accessibility->isTrusted()) accessibility->askForTrust();
     core.start();

@@ -73,7 +73,10 @@ int measure(const char* name) {
                             .userDefaults = platform.userDefaults,
                             .pasteboard = platform.pasteboard,
                             .notificationCenter = platform.notificationCenter,
-                            .milestones = platform.milestones};
+                            .milestones = platform.milestones,
+                            .statusBar = platform.statusBar,
+                            .loginItems = platform.loginItems,
+                            .updater = platform.updater};
     const SearchEngine search(measured);
     atspi::Applications applications;
     atspi::FetchOptions recorded, blocking;

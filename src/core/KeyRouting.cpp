@@ -64,7 +64,7 @@ void KeyRouting::perform(KeyAction action) {
             if (const AccessibilityElement* element = elementToCopy()) copyMetadata(*element, platform_.pasteboard);
             return;
         case KeyAction::showSettings:
-            return platform_.application.showSettings();
+            return platform_.application.showSettingsWindow();
         case KeyAction::nothing:
             return;
         case KeyAction::copyTargetsDescription:

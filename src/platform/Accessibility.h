@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -159,6 +160,8 @@ public:
     virtual bool isTrusted() = 0;
     // Asks the desktop for that privilege; the answer comes as a change of isTrusted. Main thread.
     virtual void askForTrust() = 0;
+    // Something about the privilege has changed, perhaps not for this process: ask isTrusted() anew. Main thread.
+    [[nodiscard]] virtual Subscription onTrustChanged(std::function<void()> changed) = 0;
 };
 
 }  // namespace tarvix

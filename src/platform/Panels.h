@@ -136,6 +136,8 @@ public:
     virtual void orderOut() = 0;
 };
 
+class SplashPanel;
+
 class Panels {
 public:
     virtual ~Panels() = default;
@@ -144,6 +146,8 @@ public:
     virtual std::unique_ptr<CanvasPanel> makeCanvasPanel(std::string_view drawn) = 0;
     virtual std::unique_ptr<DimmingPanel> makeDimmingPanel() = 0;
     virtual std::unique_ptr<InspectorPanel> makeInspectorPanel() = 0;
+    // The one of them that becomes the active window.
+    virtual std::unique_ptr<SplashPanel> makeSplashPanel() = 0;
     virtual SystemColors& colors() = 0;
 };
 

@@ -9,12 +9,15 @@ class EventTaps;
 class Events;
 class HotKeys;
 class InputSources;
+class LoginItems;
 class Milestones;
 class NotificationCenter;
 class Panels;
 class Pasteboard;
 class RunLoop;
 class Screens;
+class StatusBar;
+class Updater;
 class UserDefaults;
 class WindowServer;
 class Workspace;
@@ -36,6 +39,9 @@ struct Platform {
     Pasteboard& pasteboard;
     NotificationCenter& notificationCenter;
     Milestones& milestones;
+    StatusBar& statusBar;
+    LoginItems& loginItems;
+    Updater& updater;
 };
 
 }  // namespace tarvix

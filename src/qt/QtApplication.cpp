@@ -1,5 +1,6 @@
 #include "qt/QtApplication.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -19,7 +20,7 @@ void makeIfMissing(const QString& path) {
 }  // namespace
 
 // The desktop's own opener instead of Qt's service, which would hand this program's environment on.
-void QtApplication::showSettings() {
+void QtApplication::showSettingsWindow() {
     makeIfMissing(settingsPath_);
     QProcess opener;
     opener.setProgram("xdg-open");
@@ -30,5 +31,9 @@ void QtApplication::showSettings() {
     if (!opener.startDetached())
         std::fprintf(stderr, "tarvix: no xdg-open; the settings are in %s\n", qUtf8Printable(settingsPath_));
 }
+
+void QtApplication::terminate() { QCoreApplication::quit(); }
+
+bool QtApplication::openUrl(const std::string&) { return false; }
 
 }  // namespace tarvix

@@ -18,7 +18,13 @@ public:
 
     // Makes an empty file where there is none. Returns before the editor shows; where there is nothing to open the file
     // with, a line on the error output tells where it is.
-    void showSettings() override;
+    void showSettingsWindow() override;
+    void activate() override {}
+    void hide() override {}
+    bool hasKeyWindow() override { return false; }
+    void terminate() override;
+    bool openUrl(const std::string& url) override;
+    Menu mainMenu() override { return {}; }
 
 private:
     QString settingsPath_;

@@ -4,6 +4,7 @@
 #include "qt/QtDimmingPanel.h"
 #include "qt/QtInputPanel.h"
 #include "qt/QtInspectorPanel.h"
+#include "qt/QtSplashPanel.h"
 
 namespace tarvix {
 
@@ -13,5 +14,7 @@ std::unique_ptr<CanvasPanel> QtPanels::makeCanvasPanel(std::string_view drawn) {
 }
 std::unique_ptr<DimmingPanel> QtPanels::makeDimmingPanel() { return makeQtDimmingPanel(services_); }
 std::unique_ptr<InspectorPanel> QtPanels::makeInspectorPanel() { return makeQtInspectorPanel(services_); }
+
+std::unique_ptr<SplashPanel> QtPanels::makeSplashPanel() { return makeQtSplashPanel(); }
 
 }  // namespace tarvix

@@ -20,6 +20,7 @@ public:
     std::unique_ptr<CanvasPanel> makeCanvasPanel(std::string_view drawn) override;
     std::unique_ptr<DimmingPanel> makeDimmingPanel() override;
     std::unique_ptr<InspectorPanel> makeInspectorPanel() override;
+    std::unique_ptr<SplashPanel> makeSplashPanel() override;
     SystemColors& colors() override { return colors_; }
 
 private:

@@ -15,6 +15,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/Listeners.h"
 #include "platform/Accessibility.h"
 #include "simulated/Faults.h"
 #include "simulated/Journal.h"
@@ -122,8 +123,15 @@ public:
     std::optional<std::uint32_t> windowNumber(const UIElement& window) override;
     bool isTrusted() override;
     void askForTrust() override;
+    Subscription onTrustChanged(std::function<void()> changed) override {
+        return trustChanged_.add(std::move(changed));
+    }
+    // Somebody has changed the privilege, or another application's: the observers are told.
+    void noteTrustChange() { trustChanged_(); }
 
 private:
+    Listeners<> trustChanged_;
+
     using Id = std::int64_t;  // of an element from 1, of the whole desktop 0, of an application below
 
     class Identity;

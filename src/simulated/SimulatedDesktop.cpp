@@ -36,7 +36,10 @@ SimulatedDesktop::SimulatedDesktop()
       hotKeys(faults),
       panels(log),
       pasteboard(log),
-      notificationCenter(log) {}
+      notificationCenter(log),
+      statusBar(log),
+      loginItems(log),
+      updater(log) {}
 
 Platform SimulatedDesktop::platform() {
     return {.accessibility = accessibility,
@@ -53,7 +56,10 @@ Platform SimulatedDesktop::platform() {
             .userDefaults = userDefaults,
             .pasteboard = pasteboard,
             .notificationCenter = notificationCenter,
-            .milestones = milestones};
+            .milestones = milestones,
+            .statusBar = statusBar,
+            .loginItems = loginItems,
+            .updater = updater};
 }
 
 std::int32_t SimulatedDesktop::launch(const std::string& name, const std::optional<std::string>& bundleIdentifier) {

@@ -18,12 +18,15 @@
 #include "simulated/SimulatedEvents.h"
 #include "simulated/SimulatedHotKeys.h"
 #include "simulated/SimulatedInputSources.h"
+#include "simulated/SimulatedLoginItems.h"
 #include "simulated/SimulatedMilestones.h"
 #include "simulated/SimulatedNotificationCenter.h"
 #include "simulated/SimulatedPanels.h"
 #include "simulated/SimulatedPasteboard.h"
 #include "simulated/SimulatedRunLoop.h"
 #include "simulated/SimulatedScreens.h"
+#include "simulated/SimulatedStatusBar.h"
+#include "simulated/SimulatedUpdater.h"
 #include "simulated/SimulatedUserDefaults.h"
 #include "simulated/SimulatedWindow.h"
 #include "simulated/SimulatedWindowServer.h"
@@ -102,6 +105,9 @@ public:
     SimulatedPasteboard pasteboard;
     SimulatedNotificationCenter notificationCenter;
     SimulatedMilestones milestones;
+    SimulatedStatusBar statusBar;
+    SimulatedLoginItems loginItems;
+    SimulatedUpdater updater;
 
 private:
     SimulatedWindow addSurface(std::int32_t pid, AxRect frame, int layer, const SimulatedElement& container);

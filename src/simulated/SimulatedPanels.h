@@ -8,6 +8,7 @@
 #include "simulated/SimulatedDimmingPanel.h"
 #include "simulated/SimulatedInputPanel.h"
 #include "simulated/SimulatedInspectorPanel.h"
+#include "simulated/SimulatedSplashPanel.h"
 
 namespace tarvix {
 
@@ -34,6 +35,7 @@ public:
     }
     std::unique_ptr<DimmingPanel> makeDimmingPanel() override { return make(dimming_); }
     std::unique_ptr<InspectorPanel> makeInspectorPanel() override { return make(inspector_); }
+    std::unique_ptr<SplashPanel> makeSplashPanel() override { return make(splash_); }
     SystemColors& colors() override { return systemColors; }
 
     bool hasInput() const { return input_ != nullptr; }
@@ -43,6 +45,8 @@ public:
     bool hasInspectorCanvas() const { return inspectorCanvas_ != nullptr; }
     SimulatedCanvasPanel& inspectorCanvas() const { return *made(inspectorCanvas_); }
     SimulatedInspectorPanel& inspector() const { return *made(inspector_); }
+    bool hasSplash() const { return splash_ != nullptr; }
+    SimulatedSplashPanel& splash() const { return *made(splash_); }
 
     SimulatedColors systemColors;
 
@@ -65,6 +69,7 @@ private:
     SimulatedCanvasPanel* inspectorCanvas_ = nullptr;
     SimulatedDimmingPanel* dimming_ = nullptr;
     SimulatedInspectorPanel* inspector_ = nullptr;
+    SimulatedSplashPanel* splash_ = nullptr;
 };
 
 }  // namespace tarvix

@@ -620,7 +620,10 @@ TEST(TarvixEngineActions, WhetherThePointerGoesBackIsReadAfterTheClick) {
                             .userDefaults = whole.userDefaults,
                             .pasteboard = whole.pasteboard,
                             .notificationCenter = whole.notificationCenter,
-                            .milestones = whole.milestones};
+                            .milestones = whole.milestones,
+                            .statusBar = whole.statusBar,
+                            .loginItems = whole.loginItems,
+                            .updater = whole.updater};
     DisplayEngine displayEngine(platform);
     TarvixEngine engine(platform, std::make_shared<SearchEngine>(platform), displayEngine);
     engine.showTargets({button("a", {{10, 10}, {100, 20}})});

@@ -43,14 +43,14 @@ TEST_F(QtApplicationTest, TheSettingsFileIsOpenedInTheGivenEnvironment) {
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     file.write("{\"inputTextSize\": 20}");
     file.close();
-    QtApplication(settings, environment).showSettings();
+    QtApplication(settings, environment).showSettingsWindow();
     ASSERT_TRUE(runUntil([&] { return QFile::exists(note); }));
     EXPECT_EQ(contentOf(note), "1|" + settings + "|started");
     EXPECT_EQ(contentOf(settings), "{\"inputTextSize\": 20}") << "as it was";
 }
 
 TEST_F(QtApplicationTest, AFileThatIsNotThereIsMadeWithItsFolder) {
-    QtApplication(settings, environment).showSettings();
+    QtApplication(settings, environment).showSettingsWindow();
     EXPECT_EQ(contentOf(settings), "{}\n");
     EXPECT_TRUE(runUntil([&] { return QFile::exists(note); }));
 }
@@ -58,7 +58,7 @@ TEST_F(QtApplicationTest, AFileThatIsNotThereIsMadeWithItsFolder) {
 TEST_F(QtApplicationTest, WithoutAnOpenerALineTellsWhereTheFileIs) {
     qputenv("PATH", folder.filePath("nowhere").toUtf8());
     testing::internal::CaptureStderr();
-    QtApplication(settings, environment).showSettings();
+    QtApplication(settings, environment).showSettingsWindow();
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
               "tarvix: no xdg-open; the settings are in " + settings.toStdString() + "\n");
 }

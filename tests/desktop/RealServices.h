@@ -42,7 +42,10 @@ struct RealServices {
                 .userDefaults = rest.userDefaults,
                 .pasteboard = rest.pasteboard,
                 .notificationCenter = rest.notificationCenter,
-                .milestones = rest.milestones};
+                .milestones = rest.milestones,
+                .statusBar = rest.statusBar,
+                .loginItems = rest.loginItems,
+                .updater = rest.updater};
     }
 };
 

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 
+#include "base/Listeners.h"
 #include "base/Outcome.h"
 #include "linux/atspi/ApplicationReads.h"
 #include "linux/atspi/Applications.h"
@@ -54,6 +55,11 @@ public:
     std::optional<std::uint32_t> windowNumber(const UIElement& window) override;
     bool isTrusted() override;
     void askForTrust() override;
+    Subscription onTrustChanged(std::function<void()> changed) override {
+        return trustChanged_.add(std::move(changed));
+    }
+    // The session bus has told of a change. Main thread.
+    void noteTrustChange() { trustChanged_(); }
 
     // Has an application that makes its tree on demand make it now, so that it is there at the first search; to be
     // called when it has become active. Returns at once. Writing true to ax::enhancedUserInterface or
@@ -90,6 +96,7 @@ private:
     UIElement windowElement(const X11Window& window) const;
 
     X11Windows& windows_;
+    Listeners<> trustChanged_;
     atspi::Applications applications_;
     atspi::PanelSurfaces panels_{applications_, windows_};
     atspi::SharedFetches fetches_;
