@@ -64,7 +64,7 @@ TEST(SettingsInUse, AreThoseThatTheTableNamesAReaderOf) {
     const Platform on = desk.platform();
     AppCore program({on.accessibility, on.application, on.workspace, on.windowServer, on.screens, on.events,
                      on.eventTaps, on.hotKeys, on.inputSources, on.panels, on.runLoop, defaults, on.pasteboard,
-                     on.notificationCenter, on.milestones});
+                     on.notificationCenter, on.milestones, on.statusBar, on.loginItems, on.updater});
     program.start();
     desk.userDefaults.set("targetsColor", "custom");
     useEverything(desk);
