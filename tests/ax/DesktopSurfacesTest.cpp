@@ -304,7 +304,8 @@ TEST_F(StatusItems, TheMainScreenIsAskedForAnewForEach) {
     const Platform on = desk_.platform();
     const AXEngine2 engine({on.accessibility, on.application, on.workspace, on.windowServer, screens, on.events,
                             on.eventTaps, on.hotKeys, on.inputSources, on.panels, on.runLoop, on.userDefaults,
-                            on.pasteboard, on.notificationCenter, on.milestones});
+                            on.pasteboard, on.notificationCenter, on.milestones, on.statusBar, on.loginItems,
+                            on.updater});
     EXPECT_THAT(titles(engine.statusItemElements(onScreen())), ElementsAre("first"));
     EXPECT_EQ(screens.asked, 3);
 }
