@@ -249,7 +249,7 @@ int main(int count, char** arguments) {
     QApplication application(count, arguments);
     QApplication::setApplicationName("tarvix");
     QApplication::setApplicationDisplayName("Tarvix");
-    QApplication::setDesktopFileName("tarvix");
+    QApplication::setDesktopFileName("org.tarvix.Tarvix");
     QApplication::setQuitOnLastWindowClosed(false);
     return run(std::move(windows), environment, remains);
 }

@@ -22,7 +22,7 @@ public:
     std::optional<RunningApplication> menuBarOwningApplication() override;
     std::optional<RunningApplication> runningApplication(std::int32_t pid) override;
     std::vector<RunningApplication> runningApplications(std::string_view bundleIdentifier) override;
-    std::string ownBundleIdentifier() override { return "tarvix"; }
+    std::string ownBundleIdentifier() override { return "org.tarvix.Tarvix"; }
     bool isVoiceOverEnabled() override { return voiceOver; }
     void announce(std::string_view text, int priority) override;
     [[nodiscard]] Subscription onApplicationActivated(

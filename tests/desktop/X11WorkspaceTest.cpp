@@ -47,11 +47,11 @@ private:
 // Another process that does nothing, with some variables in its environment.
 class Idle {
 public:
-    explicit Idle(std::vector<std::string> variables = {}) {
+    explicit Idle(std::vector<std::string> variables = {}, const std::string& program = "sleep") {
         pid_ = fork();
         if (pid_ != 0) return;
         for (std::string& v : variables) putenv(v.data());
-        execlp("sleep", "sleep", "60", nullptr);
+        execlp(program.c_str(), program.c_str(), "60", nullptr);
         _exit(127);
     }
     ~Idle() {
@@ -104,6 +104,16 @@ TEST_F(X11WorkspaceOnDesktop, WithoutADesktopFileAProgramIsNamedAfterItself) {
         return app && app->bundleIdentifier == "sleep";
     }));
     EXPECT_EQ(workspace->runningApplication(idle.pid()), (RunningApplication{idle.pid(), "sleep", "sleep"}));
+}
+
+TEST_F(X11WorkspaceOnDesktop, ThisProgramGoesByItsOwnDesktopFileThoughItIsNotInstalled) {
+    const fs::path program = applications.folder() / "tarvix";
+    fs::copy_file("/bin/sleep", program);
+    const Idle idle({}, program);
+    EXPECT_TRUE(loop.runUntil([&] {
+        const auto app = workspace->runningApplication(idle.pid());
+        return app && app->bundleIdentifier == workspace->ownBundleIdentifier();
+    }));
 }
 
 TEST_F(X11WorkspaceOnDesktop, AProcessIsFoundByTheCommandOfADesktopFile) {

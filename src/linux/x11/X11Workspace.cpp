@@ -11,7 +11,8 @@ namespace tarvix {
 
 namespace {
 
-constexpr const char* kOwnId = "tarvix";  // the name of our desktop file
+constexpr const char* kOwnId = "org.tarvix.Tarvix";  // the name of our desktop file
+constexpr const char* kOwnProgram = "tarvix";
 
 const RunningApplication kDesktop{0, "desktop", "Desktop"};
 
@@ -93,7 +94,9 @@ RunningApplication X11Workspace::look(std::int32_t pid, const X11Window* window)
     const auto entry = entries_.of(pid, window);
     const std::string program = programName(pid);
     const std::string windowClass = window ? window->windowClass : "";
-    const std::string id = entry ? entry->id : lowered(firstOf({program, windowClass, "unknown"}));
+    // Ours may run without being installed.
+    const std::string unlisted = program == kOwnProgram ? kOwnId : lowered(firstOf({program, windowClass, "unknown"}));
+    const std::string id = entry ? entry->id : unlisted;
     const std::string_view catalogues = catalogueIdentifier({id, windowClass}).value_or(id);
     return {pid, std::string(catalogues), firstOf({entry ? entry->name : "", windowClass, program})};
 }
