@@ -35,7 +35,7 @@ public:
     enum class Path { hotKeys, rawKeys, none };
     void setPath(Path path);
 
-    // The shortcuts that the desktop itself has taken, as far as it says. May last a second or more.
+    // The shortcuts that the desktop itself has taken, as far as it says. May last a second or more. Any thread.
     std::vector<Shortcut> systemReservedShortcuts();
 
 private:

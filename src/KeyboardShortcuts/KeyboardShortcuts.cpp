@@ -101,13 +101,20 @@ void KeyboardShortcuts::registerIfNeeded(const Name& name) {
 void KeyboardShortcuts::registerShortcut(const Shortcut& shortcut) {
     if (!registeredShortcuts_.insert(shortcut).second) return;
     carbon_.registerShortcut(
-        shortcut, [this](const Shortcut& pressed) { dispatch(keyDownHandlers_, pressed); },
+        shortcut, [this](const Shortcut& pressed) { keyDown(pressed); },
         [this](const Shortcut& released) { dispatch(keyUpHandlers_, released); });
 }
 
 void KeyboardShortcuts::unregisterShortcut(const Shortcut& shortcut) {
     carbon_.unregisterShortcut(shortcut);
     registeredShortcuts_.erase(shortcut);
+}
+
+void KeyboardShortcuts::keyDown(const Shortcut& pressed) const {
+    if (isPaused)
+        pressedWhilePaused_(pressed);
+    else
+        dispatch(keyDownHandlers_, pressed);
 }
 
 // The store is read at each press, so that a choice written by anyone holds from the next press on.

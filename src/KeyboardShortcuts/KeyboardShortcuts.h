@@ -50,8 +50,12 @@ public:
 
     // While it is true the hot keys are held and no handler is called.
     bool isPaused = false;
+    // The presses that call no handler because of that.
+    [[nodiscard]] Subscription onPressWhilePaused(std::function<void(const Shortcut& pressed)> pressed) {
+        return pressedWhilePaused_.add(std::move(pressed));
+    }
 
-    // The shortcuts that the desktop itself has taken, as far as it says. May last a second or more.
+    // The shortcuts that the desktop itself has taken, as far as it says. May last a second or more. Any thread.
     std::vector<Shortcut> systemReservedShortcuts() { return carbon_.systemReservedShortcuts(); }
 
     // A name's shortcut has been set or cleared here.
@@ -70,6 +74,7 @@ private:
     void registerIfNeeded(const Name& name);
     void registerShortcut(const Shortcut& shortcut);
     void unregisterShortcut(const Shortcut& shortcut);
+    void keyDown(const Shortcut& pressed) const;
     void dispatch(const Handlers& handlers, const Shortcut& pressed) const;
 
     UserDefaults& userDefaults_;
@@ -84,6 +89,7 @@ private:
     bool isInitialized_ = false;
     Subscription menuTracking_;
     Listeners<const Name&> shortcutByNameDidChange_;
+    Listeners<const Shortcut&> pressedWhilePaused_;
 };
 
 }  // namespace tarvix

@@ -60,6 +60,10 @@ std::string lower(std::string_view text) {
     return toUtf8(toUtf16(text).toLower(icu::Locale::getRoot()));
 }
 
+std::string capitalized(std::string_view text) {
+    return toUtf8(toUtf16(text).toTitle(nullptr, icu::Locale::getRoot()));
+}
+
 std::string normalForm(std::string_view text) { return lower(foldDiacritics(text)); }
 
 std::string_view trimWhitespaces(std::string_view text) {

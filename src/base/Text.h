@@ -14,6 +14,9 @@ std::string foldDiacritics(std::string_view text);
 // Unicode's lower case, the same in every locale.
 std::string lower(std::string_view text);
 
+// The first letter of each word as a capital and the others small, the same in every locale.
+std::string capitalized(std::string_view text);
+
 // What two texts are compared in: folded, then lower-cased.
 std::string normalForm(std::string_view text);
 

@@ -31,7 +31,7 @@ struct SymbolicHotKey {
     friend bool operator==(const SymbolicHotKey&, const SymbolicHotKey&) = default;
 };
 
-// Main thread.
+// Main thread, but for symbolicHotKeys(), which any thread may call.
 class HotKeys {
 public:
     virtual ~HotKeys() = default;

@@ -94,7 +94,12 @@ Subscription X11HotKeys::onRawKey(std::function<Verdict(const RawKeyEvent&)> see
     });
 }
 
-std::optional<std::vector<SymbolicHotKey>> X11HotKeys::symbolicHotKeys() { return readSymbolicHotKeys(x_); }
+// On a connection of its own, since any thread may ask.
+std::optional<std::vector<SymbolicHotKey>> X11HotKeys::symbolicHotKeys() {
+    auto connection = X11Connection::open();
+    if (!connection) return std::nullopt;
+    return readSymbolicHotKeys(*connection.value());
+}
 
 void X11HotKeys::listenForRawKeys() {
     rawKeys_.listen(hasXInput_ && (!hotKeys_.empty() || rawKey_ != nullptr || inMenu_));
