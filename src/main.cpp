@@ -1,28 +1,24 @@
 // The program: the one place that knows which implementations run.
-#include <unistd.h>
-
 #include <QApplication>
 #include <QProcessEnvironment>
 #include <QStandardPaths>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <iostream>
 #include <memory>
-#include <optional>
+#include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
-#include "core/AppCore.h"
-#include "core/KeyHelp.h"
+#include "Commands.h"
+#include "core/TarvixApp.h"
 #include "linux/atspi/AtspiService.h"
 #include "linux/desktops/DesktopAppearance.h"
 #include "linux/desktops/GtkAppearance.h"
 #include "linux/desktops/KdeAppearance.h"
 #include "linux/desktops/XdgAutostart.h"
-#include "linux/doctor/Survey.h"
-#include "linux/doctor/UserEntryFiles.h"
-#include "linux/x11/DesktopEntries.h"
+#include "linux/instance/RunningInstance.h"
 #include "linux/x11/Panels.h"
 #include "linux/x11/X11Connection.h"
 #include "linux/x11/X11EventTaps.h"
@@ -53,83 +49,18 @@
 #include "qt/ScreenLock.h"
 #include "qt/TerminationSignals.h"
 #include "qt/updates/QtUpdater.h"
-#include "shell/Doctor.h"
+#include "shell/CommandLine.h"
 
 using namespace tarvix;
 
 namespace {
-
-constexpr int kFailure = 1;
-constexpr int kWrongUse = 2;
-
-constexpr const char* kHelp =
-    "Usage: tarvix [--help | --version]\n"
-    "       tarvix doctor [--undo]\n"
-    "\n"
-    "Reaches and operates any visible control of the frontmost application from the keyboard.\n"
-    "It stays in the background; Shift+Super+Space brings up The Input.\n"
-    "\n"
-    "  --help     print this text and end\n"
-    "  --version  print the version and end\n"
-    "  doctor     say which programs with a window show no controls, and why; where there is a lasting\n"
-    "             remedy, a desktop file of the user's own, offer it and write it on a yes only.\n"
-    "             Status 0: all show them; 1: some don't, or accessibility is off or out of reach; 2: wrong use\n"
-    "    --undo   remove these files again. Status 0: none is left; 1: one is, changed since or stuck\n"
-    "\n"
-    "Environment:\n"
-    "  TARVIX_MILESTONES  a file that gets a line with the time of each moment of a search\n";
-
-void printHelp() {
-    std::fputs(kHelp, stdout);
-    std::puts("\nKeys while The Input is up:");
-    for (const auto& [keys, help] : keyHelp())
-        std::printf("  %s\n      %.*s\n", keys.c_str(), static_cast<int>(help.size()), help.data());
-}
 
 // A service that there is no program without.
 template <class Service>
 std::unique_ptr<Service> require(Outcome<std::unique_ptr<Service>> service) {
     if (service) return std::move(service.value());
     std::fprintf(stderr, "tarvix: %s\n", service.reason().c_str());
-    std::exit(kFailure);
-}
-
-bool askAtTerminal(std::string_view question) {
-    std::cout << question << std::flush;
-    std::string answer;
-    std::getline(std::cin, answer);
-    return answer == "y" || answer == "Y" || answer == "yes";
-}
-
-int consultDoctor(int count, char** arguments) {
-    const bool undoes = count == 1 && std::string_view(arguments[0]) == "--undo";
-    if (count > 0 && !undoes) {
-        std::fputs("tarvix: 'doctor' takes --undo and nothing else; try 'tarvix --help'\n", stderr);
-        return kWrongUse;
-    }
-    Consultation consultation{[](std::string_view line) { std::cout << line << std::endl; }, nullptr};
-    if (isatty(STDIN_FILENO) != 0 && isatty(STDOUT_FILENO) != 0) consultation.ask = askAtTerminal;
-    UserEntryFiles files(DesktopEntries::standardFolders());
-    if (undoes) return static_cast<int>(undo(files, consultation));
-    const auto windows = require(X11Windows::open());
-    return static_cast<int>(examine(surveyPrograms(*windows), files, consultation));
-}
-
-// The exit status where the command line is all there is to answer.
-std::optional<int> answerCommandLine(int count, char** arguments) {
-    if (count < 2) return std::nullopt;
-    const std::string_view option = arguments[1];
-    if (option == "--version") {
-        std::puts("tarvix " TARVIX_VERSION);
-        return EXIT_SUCCESS;
-    }
-    if (option == "--help") {
-        printHelp();
-        return EXIT_SUCCESS;
-    }
-    if (option == "doctor") return consultDoctor(count - 2, arguments + 2);
-    std::fprintf(stderr, "tarvix: unknown argument '%s'; try 'tarvix --help'\n", arguments[1]);
-    return kWrongUse;
+    std::exit(static_cast<int>(ExitStatus::failure));
 }
 
 // One unit of ours is one pixel of the root window: markers stand on pixels of other programs. The desktop's scale goes
@@ -175,7 +106,8 @@ struct DesktopAppearanceSources {
     Subscription scaleChanged;
 };
 
-int run(std::unique_ptr<X11Windows> windows, const QProcessEnvironment& environment, X11Remains& remains) {
+int run(RunningInstance& instance, std::unique_ptr<X11Windows> windows, const QProcessEnvironment& environment,
+        X11Remains& remains) {
     QtRunLoop runLoop;
     MilestoneFile milestones(qEnvironmentVariable("TARVIX_MILESTONES").toStdString());
     QtUserDefaults userDefaults(QtUserDefaults::standardPath());
@@ -212,33 +144,47 @@ int run(std::unique_ptr<X11Windows> windows, const QProcessEnvironment& environm
     const Platform platform{*accessibility, thisProgram,        *workspace,    *windowServer, *screens,   *events,
                             *eventTaps,     *hotKeys,           *inputSources, panels,        runLoop,    userDefaults,
                             pasteboard,     notificationCenter, milestones,    statusBar,     loginItems, updater};
-    AppCore core(platform);
-    if (!accessibility->isTrusted()) accessibility->askForTrust();
-    core.start();
-    const Subscription activation = workspace->onApplicationActivated(
-        [&](const RunningApplication& activated) { accessibility->wake(activated.processIdentifier); });
-    if (const auto frontmost = workspace->frontmostApplication()) accessibility->wake(frontmost->processIdentifier);
+    TarvixApp program(platform);
+    AppCore& core = program.core();
+    const auto wakeFrontmost = [&] {
+        const auto frontmost = core.isStarted() ? workspace->frontmostApplication() : std::nullopt;
+        if (frontmost) accessibility->wake(frontmost->processIdentifier);
+    };
+    const auto closeTheInput = [&core] {
+        if (core.isStarted()) core.theInput().close();
+    };
+    program.appDelegate().applicationDidFinishLaunching();
+    wakeFrontmost();
+    const Subscription activation =
+        workspace->onApplicationActivated([&](const RunningApplication&) { wakeFrontmost(); });
+    QObject::connect(qApp, &QGuiApplication::lastWindowClosed,
+                     [&program] { program.appDelegate().applicationShouldTerminateAfterLastWindowClosed(); });
 
-    const Subscription termination = onTerminationSignal(runLoop, [&core] {
-        core.theInput().close();  // gives the keyboard back before anything is waited for
+    const Subscription termination = onTerminationSignal(runLoop, [&] {
+        closeTheInput();  // gives the keyboard back before anything is waited for
         QCoreApplication::quit();
     });
     ScreenLock screenLock;
-    const Subscription screenLocked = screenLock.onLocked([&core] { core.theInput().close(); });
-    const Subscription serverGone = connection->onGone([&core] {
+    const Subscription screenLocked = screenLock.onLocked(closeTheInput);
+    const Subscription serverGone = connection->onGone([&] {
         std::fputs("tarvix: the X server has closed the connection\n", stderr);
-        core.theInput().close();
-        QCoreApplication::exit(kFailure);
+        closeTheInput();
+        QCoreApplication::exit(static_cast<int>(ExitStatus::failure));
     });
+    const Subscription served = instance.serve(
+        runLoop, {.activate = [&] { program.appDelegate().applicationShouldHandleReopen(); },
+                  .open = [&](const std::vector<std::string>& urls) { program.appDelegate().openURLs(urls); },
+                  .showSettings = [&] { program.appDelegate().applicationShouldHandleReopen(); },
+                  .quit = [&] { thisProgram.terminate(); }});
     const int status = QCoreApplication::exec();
     runLoop.waitForBodies();
     return status;
 }
 
-}  // namespace
-
-int main(int count, char** arguments) {
-    if (const auto status = answerCommandLine(count, arguments)) return *status;
+int start(const command::Start& wanted, int count, char** arguments) {
+    auto standing = becomeInstance(wanted);
+    if (const int* status = std::get_if<int>(&standing)) return *status;
+    const auto instance = std::get<std::unique_ptr<RunningInstance>>(std::move(standing));
     outliveReaders();
     X11Remains& remains = startGuard();
     // Asked before Qt, which ends the process with a long text where there is no display.
@@ -251,5 +197,23 @@ int main(int count, char** arguments) {
     QApplication::setApplicationDisplayName("Tarvix");
     QApplication::setDesktopFileName("org.tarvix.Tarvix");
     QApplication::setQuitOnLastWindowClosed(false);
-    return run(std::move(windows), environment, remains);
+    return run(*instance, std::move(windows), environment, remains);
+}
+
+template <class... Answers>
+struct Answering : Answers... {
+    using Answers::operator()...;
+};
+
+}  // namespace
+
+int main(int count, char** arguments) {
+    const std::vector<std::string_view> words(arguments + std::min(count, 1), arguments + count);
+    return std::visit(Answering{[](const command::Help&) { return printHelp(); },
+                                [](const command::Version&) { return printVersion(); },
+                                [](const command::Quit&) { return quitRunning(); },
+                                [](const command::Doctor& doctor) { return consultDoctor(doctor); },
+                                [](const command::WrongUse& wrong) { return complain(wrong); },
+                                [&](const command::Start& wanted) { return start(wanted, count, arguments); }},
+                      parseCommandLine(words));
 }

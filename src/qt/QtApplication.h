@@ -2,33 +2,46 @@
 #pragma once
 
 #include <QProcessEnvironment>
-#include <QString>
+#include <QWidget>
+#include <functional>
+#include <memory>
 
 #include "platform/Application.h"
 
 namespace tarvix {
 
-// There is no window for the settings: their file is opened with whatever the desktop opens such files with.
 class QtApplication : public Application {
 public:
     // `environment` is what other programs are started with: this one's own has been changed for the sake of its
     // panels.
-    QtApplication(QString settingsPath, QProcessEnvironment environment)
-        : settingsPath_(std::move(settingsPath)), environment_(std::move(environment)) {}
+    QtApplication(QString settingsPath, QProcessEnvironment environment);
+    ~QtApplication() override;
 
-    // Makes an empty file where there is none. Returns before the editor shows; where there is nothing to open the file
-    // with, a line on the error output tells where it is.
+    // Where the settings window comes from when it is first shown. It is kept, and the keys of the main menu work in
+    // it. What it is made of must outlive this, or it is dropped before. Without one the settings' file is opened with
+    // whatever the desktop opens such files with; an empty one is made where there is none.
+    void setSettingsWindow(std::function<std::unique_ptr<QWidget>()> make) { makeSettings_ = std::move(make); }
+    void dropSettingsWindow() { settings_.reset(); }
+    // The user has closed the last ordinary window.
+    void onLastWindowClosed(std::function<void()> closed);
+
     void showSettingsWindow() override;
-    void activate() override {}
-    void hide() override {}
-    bool hasKeyWindow() override { return false; }
+    void activate() override;
+    void hide() override;
+    bool hasKeyWindow() override;
     void terminate() override;
+    // By the desktop's opener. Where there is none, a line on the error output tells so.
     bool openUrl(const std::string& url) override;
-    Menu mainMenu() override { return {}; }
+    Menu mainMenu() override;
 
 private:
+    bool open(const QString& what);
+
     QString settingsPath_;
     QProcessEnvironment environment_;
+    std::function<std::unique_ptr<QWidget>()> makeSettings_;
+    std::unique_ptr<QWidget> settings_;
+    std::unique_ptr<QObject> notices_ = std::make_unique<QObject>();
 };
 
 }  // namespace tarvix

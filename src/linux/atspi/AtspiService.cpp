@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "linux/atspi/AccessibilitySwitch.h"
 #include "linux/atspi/AtspiElement.h"
 #include "linux/atspi/MenuBar.h"
 #include "linux/atspi/Replies.h"
@@ -355,20 +356,18 @@ std::optional<std::uint32_t> AtspiService::windowNumber(const UIElement& window)
 
 bool AtspiService::isTrusted() {
     const Bus session = connectToSession();
-    if (!session) return false;
-    int enabled = 0;
-    sd_bus_error error = SD_BUS_ERROR_NULL;
-    const int r = sd_bus_get_property_trivial(session.get(), "org.a11y.Bus", "/org/a11y/bus", "org.a11y.Status",
-                                              "IsEnabled", &error, 'b', &enabled);
-    sd_bus_error_free(&error);
-    return r >= 0 && enabled != 0;
+    wasTrusted_ = session && isAccessibilityOn(session.get());
+    return wasTrusted_;
 }
 
 void AtspiService::askForTrust() {
-    const Bus session = connectToSession();
-    if (!session) return;
-    sd_bus_set_property(session.get(), "org.a11y.Bus", "/org/a11y/bus", "org.a11y.Status", "IsEnabled", nullptr, "b",
-                        1);
+    asking_ = connectToSession();
+    if (asking_) switchAccessibilityOn(asking_.get());
+}
+
+void AtspiService::noteTrustChange() {
+    const bool before = wasTrusted_;
+    if (isTrusted() != before) trustChanged_();
 }
 
 bool AtspiService::isAwake(std::int32_t pid) {

@@ -53,13 +53,17 @@ public:
     AxStatus setAttribute(const UIElement& element, std::string_view name, const AxValue& value) override;
     std::optional<std::int32_t> pid(const UIElement& element) override;
     std::optional<std::uint32_t> windowNumber(const UIElement& window) override;
+    // Whether the session bus says that accessibility is on, and the accessibility bus can be reached. Starts what the
+    // session bus knows how to start for that, and waits for it for three seconds. Main thread.
     bool isTrusted() override;
+    // Switches it on, for good where the desktop keeps such a switch, and doesn't wait for it.
     void askForTrust() override;
     Subscription onTrustChanged(std::function<void()> changed) override {
         return trustChanged_.add(std::move(changed));
     }
-    // The session bus has told of a change. Main thread.
-    void noteTrustChange() { trustChanged_(); }
+    // The session bus has told of something that trust depends on; listeners hear of it if the answer is another one
+    // than isTrusted() gave last. Main thread.
+    void noteTrustChange();
 
     // Has an application that makes its tree on demand make it now, so that it is there at the first search; to be
     // called when it has become active. Returns at once. Writing true to ax::enhancedUserInterface or
@@ -97,6 +101,8 @@ private:
 
     X11Windows& windows_;
     Listeners<> trustChanged_;
+    bool wasTrusted_ = false;
+    atspi::Bus asking_;  // the bus delivers what it has to start the receiver for only while the sender is there
     atspi::Applications applications_;
     atspi::PanelSurfaces panels_{applications_, windows_};
     atspi::SharedFetches fetches_;
