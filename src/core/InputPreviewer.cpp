@@ -9,8 +9,7 @@ InputPreviewer::InputPreviewer(TheInput& theInput, QuerySession& session)
 
 void InputPreviewer::showPlaced(const std::string& text) {
     if (!begin()) return;
-    theInput_.setValue(text);
-    theInput_.open();
+    theInput_.openPlaced(text);
     shown();
 }
 
@@ -24,20 +23,24 @@ void InputPreviewer::hide() {
     if (isShowing_) theInput_.close();
 }
 
+// It counts as one before The Input tells that it is visible.
 bool InputPreviewer::begin() {
     if (isShowing_) return true;
     if (theInput_.isVisible()) return false;
     keptText_ = theInput_.value();
+    isShowing_ = true;
     return true;
 }
 
-// The last search has left its Primary Target, and a Return would click it.
+// The last search has left its Primary Target, and markers may be shown as a preview of their own.
 void InputPreviewer::shown() {
     isShowing_ = theInput_.isVisible();
-    if (isShowing_)
+    if (isShowing_) {
+        session_.removeTargets();
         session_.showTargets({});
-    else
+    } else {
         theInput_.setValue(keptText_);
+    }
 }
 
 // However it was hidden. Where texts aren't kept, it is emptied after this.

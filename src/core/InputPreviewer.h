@@ -9,9 +9,9 @@
 
 namespace tarvix {
 
-// Tells a preview from a search: while a search is up, its look changes, and nothing else happens to it. A search that
-// has taken a preview's place isn't hidden with it either, and the kept text is the last search's afterwards. Main
-// thread; what is given outlives it.
+// The keyboard stays where it is. Tells a preview from a search: while a search is up, its look changes, and nothing
+// else happens to it. A search that has taken a preview's place isn't hidden with it either, and the kept text is the
+// last search's afterwards. Main thread; what is given outlives it.
 class InputPreviewer : public InputPreview {
 public:
     InputPreviewer(TheInput& theInput, QuerySession& session);
@@ -19,6 +19,7 @@ public:
     void showPlaced(const std::string& text) override;
     void showInPlace(const std::string& text) override;
     void hide() override;
+    bool isShowing() const { return isShowing_; }
 
 private:
     bool begin();

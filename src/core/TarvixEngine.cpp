@@ -34,6 +34,7 @@ TarvixEngine::TarvixEngine(const Platform& platform, std::shared_ptr<const Searc
       pointer_(platform) {}
 
 void TarvixEngine::startSession() {
+    if (isPreviewing_) endSession();
     const auto application = focusedApplication(platform_);
     if (!application) return;
     const auto window = windowOf(*application, displayEngine_);
@@ -57,7 +58,18 @@ void TarvixEngine::placePanels(const FocusedWindow& window) {
     hazeOverWindow_.show();
 }
 
+void TarvixEngine::showPreview(const FocusedWindow& window) {
+    isPreviewing_ = true;
+    placePanels(window);
+    if (hazeOverWindowStyle_.value() == HazeOverWindowStyle::onlyTargets) hazeOverWindow_.fadeOut();
+    const OrderedSet<AccessibilityElement> all = filteredElements("*");
+    removeTargets();
+    showTargets(all);
+}
+
+// What a preview marked was nobody's choice, and a key must not click it; a search's Primary Target is left.
 void TarvixEngine::endSession() {
+    if (std::exchange(isPreviewing_, false)) primaryTarget_.reset();
     axFrontmostApplicationPID_.reset();
     canvas_.removeSubviews();
     canvas_.orderOut();

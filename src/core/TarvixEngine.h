@@ -32,6 +32,10 @@ public:
     // Settles the application and the window, places the canvas over the window's screen, and dims that screen. What
     // can't be found out shortens it; the session goes on.
     void startSession();
+    // Marks all candidates on the screen of a window and dims it, as the settings say by now, without a search: a
+    // preview. The next session ends it first. Not during a session.
+    void showPreview(const FocusedWindow& window);
+    bool isPreviewing() const { return isPreviewing_; }
     // Forgets the candidates and the Targets, but not the Primary Target.
     void endSession() override;
     // A session has ended; also when none had begun.
@@ -91,6 +95,7 @@ private:
     OrderedSet<AccessibilityElement> allElements_;
     DisplayEngineProtocol& displayEngine_;
     std::optional<std::int32_t> axFrontmostApplicationPID_;
+    bool isPreviewing_ = false;
     Pointer pointer_;
     Listeners<> sessionEnded_;
 };

@@ -126,10 +126,12 @@ std::optional<FocusedWindow> DisplayEngine::focusedWindow() {
 std::optional<FocusedWindow> DisplayEngine::mainWindow() {
     if (!cachedMainWindow) {
         const auto application = workspace_.frontmostApplication();
-        if (application) cachedMainWindow = readWindow(application->processIdentifier, ax::mainWindow);
+        if (application) cachedMainWindow = mainWindowOf(application->processIdentifier);
     }
     return cachedMainWindow;
 }
+
+std::optional<FocusedWindow> DisplayEngine::mainWindowOf(std::int32_t pid) { return readWindow(pid, ax::mainWindow); }
 
 std::optional<FocusedWindow> DisplayEngine::readWindow(std::int32_t pid, std::string_view attribute) {
     const auto window = read<UIElement>(accessibility_, accessibility_.application(pid), attribute);

@@ -20,6 +20,7 @@ public:
     std::optional<FocusedInput> focusedInput() override;
     std::optional<FocusedWindow> focusedWindow() override;
     std::optional<FocusedWindow> mainWindow() override;
+    std::optional<FocusedWindow> mainWindowOf(std::int32_t pid) override;
     std::optional<std::uint32_t> windowNumber(const UIElement& element) override;
     std::optional<Screen> screenContaining(double x, double y) override;
     std::optional<Screen> screenFor(const std::optional<FocusedWindow>& window) override;

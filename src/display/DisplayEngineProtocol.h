@@ -34,6 +34,8 @@ public:
     virtual std::optional<FocusedWindow> focusedWindow() = 0;
     // Cached. The main window of the frontmost application.
     virtual std::optional<FocusedWindow> mainWindow() = 0;
+    // Not cached. The main window of an application that need not be frontmost.
+    virtual std::optional<FocusedWindow> mainWindowOf(std::int32_t pid) = 0;
     virtual std::optional<std::uint32_t> windowNumber(const UIElement& element) = 0;
 
     // Cached. The screen under a point in panel coordinates; with fewer than two screens the first one.

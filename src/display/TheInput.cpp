@@ -50,28 +50,38 @@ TheInput::TheInput(const Platform& platform, DisplayEngineProtocol& displayEngin
     subscriptions_.push_back(panel_->onCancel([this] { close(); }));
 }
 
+// The text is selected and the notification goes out also when the panel has stayed hidden: whoever waits for it learns
+// that a session has begun.
 void TheInput::open() {
-    placeAndShow();
+    placeAndShow(Keyboard::taken);
+    if (dontFlushTheInput_.value()) selectText();
+    appeared();
+}
+
+// No text is selected: the key for that would go to whoever has the keyboard.
+void TheInput::openPlaced(const std::string& text) {
+    setValue(text);
+    placeAndShow(Keyboard::left);
     appeared();
 }
 
 void TheInput::openInPlace(const std::string& text) {
     setValue(text);
     stayInSight();
-    show();
+    show(Keyboard::left);
     appeared();
 }
 
-void TheInput::show() {
-    panel_->makeKeyAndOrderFront();
+void TheInput::show(Keyboard keyboard) {
+    if (keyboard == Keyboard::taken) {
+        panel_->makeKeyAndOrderFront();
+    } else {
+        panel_->orderFrontRegardless();
+    }
     visibilityChanged_();
 }
 
-// Also when the panel has stayed hidden: whoever waits for the notification learns that a session has begun.
-void TheInput::appeared() {
-    if (dontFlushTheInput_.value()) selectText();
-    platform_.notificationCenter.post(inputNotification::didAppear);
-}
+void TheInput::appeared() { platform_.notificationCenter.post(inputNotification::didAppear); }
 
 // The text of the last search is there again; selected, it goes with the first character that is typed. The panel sends
 // itself the key for that, as the field has the only selection there is.
@@ -89,9 +99,9 @@ void TheInput::close() {
     platform_.notificationCenter.post(inputNotification::didDisappear);
 }
 
-void TheInput::placeAndShow() {
+void TheInput::placeAndShow(Keyboard keyboard) {
     stayInSight();
-    if (place(inputPosition_.value())) show();
+    if (place(inputPosition_.value())) show(keyboard);
 }
 
 bool TheInput::place(InputPosition position) {
@@ -159,6 +169,12 @@ void TheInput::setShowPreloading(bool shows) {
 void TheInput::setValue(const std::string& text) {
     value_ = text;
     panel_->setText(text);
+}
+
+void TheInput::enter(const std::string& text) {
+    if (text == value_) return;
+    setValue(text);
+    valueChanged(text);
 }
 
 // No debounce: the markers follow each key press before the next event is handled.

@@ -28,7 +28,8 @@ public:
     TheInput(const Platform& platform, DisplayEngineProtocol& displayEngine, QuerySession& session, const Sauce& sauce);
 
     void open() override;
-    // Shows the panel with a text where it stands.
+    // As previews of itself, with a text: the keyboard stays where it is. Where the settings say, or where it stands.
+    void openPlaced(const std::string& text);
     void openInPlace(const std::string& text);
     void close() override;
     bool isVisible() const override { return panel_->isVisible(); }
@@ -38,13 +39,16 @@ public:
     const std::string& value() const override { return value_; }
     // The field takes over a text; the markers stay as they are.
     void setValue(const std::string& text);
+    // The same, and the markers follow as if it had been typed.
+    void enter(const std::string& text);
     void setShowPreloading(bool shows) override;
     bool showPreloading() const { return showPreloading_; }
 
 private:
-    void show();
+    enum class Keyboard { taken, left };
+    void placeAndShow(Keyboard keyboard);
+    void show(Keyboard keyboard);
     void appeared();
-    void placeAndShow();
     // False when the panel is to stay hidden.
     bool place(InputPosition position);
     bool placeAtWindow(InputPosition position);

@@ -80,6 +80,8 @@ public:
     virtual bool isVisible() const = 0;
     // Shows the panel in front of everything and gives it the keyboard; the application stays the active one.
     virtual void makeKeyAndOrderFront() = 0;
+    // Shows it there and leaves the keyboard where it is.
+    virtual void orderFrontRegardless() = 0;
     // Hides it and gives the keyboard back, with nothing held or grabbed.
     virtual void orderOut() = 0;
 

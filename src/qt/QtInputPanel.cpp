@@ -249,15 +249,19 @@ public:
     bool isVisible() const override { return window_.isVisible(); }
 
     void makeKeyAndOrderFront() override {
+        orderFrontRegardless();
+        if (!hasKeyboard_) hasKeyboard_ = services_.windowing.takeKeyboard(number(), [this] { lostKeyboard(); });
+        services_.windowing.readyForKeyPress();
+        if (!hasKeyboard_) QTimer::singleShot(0, &window_, [this] { resigned_(); });
+    }
+
+    void orderFrontRegardless() override {
         window_.setTranslucent(services_.windowing.isComposited());
         setFrame(frame_);  // the first screen's height may have changed
         awaitsPainting_ = !window_.isVisible();
         window_.show();
         syncWithServer();  // a grab of the keyboard wants a window that is mapped
         services_.windowing.stackOnTop(number());
-        if (!hasKeyboard_) hasKeyboard_ = services_.windowing.takeKeyboard(number(), [this] { lostKeyboard(); });
-        services_.windowing.readyForKeyPress();
-        if (!hasKeyboard_) QTimer::singleShot(0, &window_, [this] { resigned_(); });
     }
 
     void orderOut() override {

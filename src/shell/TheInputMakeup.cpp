@@ -34,14 +34,6 @@ constexpr auto kPresets = std::to_array<PresetRow>({
 
 }  // namespace
 
-void TheInputMakeup::OneShot::schedule(RunLoop& runLoop, std::chrono::milliseconds interval,
-                                       std::function<void()> fired) {
-    token_ = runLoop.timer(interval, RunLoop::Repeat::once, [this, fired = std::move(fired)] {
-        invalidate();
-        fired();
-    });
-}
-
 TheInputMakeup::TheInputMakeup(UserDefaults& defaults, RunLoop& runLoop, InputPreview& preview)
     : runLoop_(runLoop),
       preview_(preview),
@@ -117,7 +109,7 @@ void TheInputMakeup::derivePreset() {
 }
 
 void TheInputMakeup::after(std::chrono::milliseconds interval, std::function<void()> fired) {
-    otherTimers_.remove_if([](const OneShot& timer) { return !timer.isValid(); });
+    otherTimers_.remove_if([](const OneShotTimer& timer) { return !timer.isValid(); });
     otherTimers_.emplace_back().schedule(runLoop_, interval, std::move(fired));
 }
 

@@ -8,6 +8,7 @@
 #include "platform/RunLoop.h"
 #include "shell/InputPresetDefaults.h"
 #include "shell/InputPreview.h"
+#include "shell/OneShotTimer.h"
 #include "shell/Setting.h"
 
 namespace tarvix {
@@ -36,16 +37,6 @@ private:
         InputPreset preset;
         InputPresetDefaults values;
     };
-    // A one-shot timer that is valid until it fires or is invalidated.
-    class OneShot {
-    public:
-        bool isValid() const { return bool(token_); }
-        void invalidate() { token_.reset(); }
-        void schedule(RunLoop& runLoop, std::chrono::milliseconds interval, std::function<void()> fired);
-
-    private:
-        Subscription token_;
-    };
 
     void storeChanged();
     Look present() const;
@@ -66,8 +57,8 @@ private:
     Setting<InputPreset> inputPreset_;
     Look seen_;  // what the changes are told by
     bool isApplyingInputPreset_ = false;
-    OneShot inputPreviewTimer_;
-    std::list<OneShot> otherTimers_;  // nobody asks about them
+    OneShotTimer inputPreviewTimer_;
+    std::list<OneShotTimer> otherTimers_;  // nobody asks about them
     Subscription changes_;
 };
 

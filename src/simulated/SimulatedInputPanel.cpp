@@ -23,6 +23,11 @@ void SimulatedInputPanel::makeKeyAndOrderFront() {
     journal_.note(Topic::theInput, "The Input shown");
 }
 
+void SimulatedInputPanel::orderFrontRegardless() {
+    visible_ = true;
+    journal_.note(Topic::theInput, "The Input shown");
+}
+
 void SimulatedInputPanel::orderOut() {
     visible_ = key_ = false;
     journal_.note(Topic::theInput, "The Input hidden");

@@ -23,6 +23,7 @@ public:
     void setFrame(PanelRect frame) override { frame_ = frame; }
     bool isVisible() const override { return visible_; }
     void makeKeyAndOrderFront() override;
+    void orderFrontRegardless() override;
     void orderOut() override;
     void setText(const std::string& text) override;
     void setShowsProgress(bool shows) override { showsProgress_ = shows; }

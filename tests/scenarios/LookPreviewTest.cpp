@@ -94,13 +94,20 @@ TEST_F(LookPreviewTest, APresetThatBecomesDueDuringASearchIsNotShown) {
     EXPECT_EQ(shownText(), "arch");
 }
 
-TEST_F(LookPreviewTest, EscapeEndsAPreview) {
+TEST_F(LookPreviewTest, KeysGoWhereTheyWentBeforeThePreview) {
+    desk.userDefaults.set("dontFlushTheInput", Value(true));
     desk.userDefaults.setFromOutside("inputPreset", Value(std::string("alfred")));
     desk.turnClock(500ms);
+    desk.clearJournal();
     press(Key::escape);
-    EXPECT_FALSE(inputIsShown());
-    desk.turnClock(5s);
-    EXPECT_THAT(previews(), ElementsAre("The Input shown", "The Input hidden"));
+    desk.type("a");
+    press(Key::return_);
+    EXPECT_TRUE(inputIsShown());
+    EXPECT_EQ(shownText(), "HODL, world!");
+    EXPECT_THAT(desk.journal({Topic::key, Topic::mouse}),
+                ElementsAre("key 53 reached the application", "key 0 reached the application",
+                            "key 36 reached the application"))
+        << "and the key that selects a kept text is none of them";
 }
 
 TEST_F(LookPreviewTest, TheKeptTextIsThatOfTheLastSearchAndNotOfAPreview) {
@@ -127,15 +134,13 @@ TEST_F(LookPreviewTest, WithoutAnApplicationNoPreviewShowsAndNoneOfItsTextStays)
     EXPECT_EQ(look().textSize, 48);
 }
 
-TEST_F(LookPreviewTest, ReturnOnAPreviewsTextClicksNothingOfTheLastSearch) {
+TEST_F(LookPreviewTest, APreviewForgetsThePrimaryTargetOfTheLastSearch) {
     search("arch");
     press(Key::escape);
     ASSERT_EQ(primary(), "Archive");
     desk.userDefaults.setFromOutside("inputPreset", Value(std::string("alfred")));
     desk.turnClock(100ms);
-    desk.clearJournal();
-    press(Key::return_);
-    EXPECT_THAT(desk.journal({Topic::mouse}), IsEmpty());
+    EXPECT_EQ(primary(), "none");
 }
 
 TEST_F(LookPreviewTest, TheShortcutsOwnKeyIsNothingToLookAt) {
