@@ -21,7 +21,7 @@ constexpr auto kRows = std::to_array<Row>({
      {"Press Shortcut", "Kürzel drücken", "Tapez le raccourci", "Pulse el atajo", "キーを押してください"}},
     {recorderKey::usedByMenuItem,
      {"This shortcut is already taken by the menu item “%@”.", "Dieses Kürzel gehört schon zum Menüeintrag „%@“.",
-      "Ce raccourci est déjà celui de l’élément de menu « %@ ».", "Este atajo ya es el del elemento de menú «%@».",
+      "Ce raccourci est déjà celui de l’élément de menu «\u00A0%@\u00A0».", "Este atajo ya es el del elemento de menú «%@».",
       "このショートカットは、メニュー項目「%@」ですでに使われています。"}},
     {recorderKey::usedBySystem,
      {"This shortcut is already taken by the system.", "Dieses Kürzel ist schon vom System belegt.",

@@ -31,10 +31,10 @@ std::string recorderString(std::string_view key, RecorderLanguage language, std:
 
 // The environment variables that name the user's language, empty where they aren't set.
 struct LocaleEnvironment {
-    std::string language;  // LANGUAGE, a list
-    std::string all;       // LC_ALL
-    std::string messages;  // LC_MESSAGES
-    std::string lang;      // LANG
+    std::string language = {};  // LANGUAGE, a list
+    std::string all = {};       // LC_ALL
+    std::string messages = {};  // LC_MESSAGES
+    std::string lang = {};      // LANG
 
     static LocaleEnvironment ofThisProcess();
 };

@@ -45,6 +45,13 @@ TEST(Text, LowerCaseIsTheSameInEveryLocale) {
     for (const auto& [text, lowered] : rows) EXPECT_EQ(lower(text), lowered) << text;
 }
 
+TEST(Capitalized, EveryWordBeginsWithACapital) {
+    const std::vector<std::pair<std::string, std::string>> rows = {
+        {"", ""},   {"a", "A"},  {"space", "Space"}, {"F10", "F10"}, {"two WORDS", "Two Words"},
+        {"ö", "Ö"}, {"ß", "Ss"}, {"かな", "かな"}};
+    for (const auto& [text, capitals] : rows) EXPECT_EQ(capitalized(text), capitals) << text;
+}
+
 TEST(Text, TheNormalFormIsFoldedThenLowerCased) {
     EXPECT_EQ(normalForm("CAFÉ"), "cafe");
     EXPECT_EQ(normalForm("İstanbul"), "istanbul");
