@@ -9,6 +9,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "Commands.h"
@@ -30,6 +31,7 @@
 #include "linux/x11/X11Scale.h"
 #include "linux/x11/X11Screens.h"
 #include "linux/x11/X11Settings.h"
+#include "linux/x11/X11TrayWindow.h"
 #include "linux/x11/X11WindowServer.h"
 #include "linux/x11/X11Windows.h"
 #include "linux/x11/X11Workspace.h"
@@ -114,7 +116,6 @@ int run(RunningInstance& instance, std::unique_ptr<X11Windows> windows, const QP
     QtApplication thisProgram(QtUserDefaults::standardPath(), environment);
     QtPasteboard pasteboard;
     QtNotificationCenter notificationCenter;
-    QtStatusBar statusBar;
     XdgAutostart loginItems;
     QtUpdater updater;
 
@@ -136,6 +137,9 @@ int run(RunningInstance& instance, std::unique_ptr<X11Windows> windows, const QP
     workspace->setRole("com.apple.notificationcenterui", [&] { return accessibility->notificationProcesses(); });
     DesktopAppearanceSources appearances(*connection, environment);
     QtPanels panels({*keyboard, *screens, milestones, appearances.together});
+    QtStatusBar statusBar(appearances.together, [&](TrayWindowUse use) {
+        return std::make_unique<X11TrayWindow>(*connection, std::move(use));
+    });
     connection->watch(runLoop);
     const Subscription hotKeyPressed = hotKeys->onHotKey([&](HotKeyEvent event, std::uint32_t) {
         if (event == HotKeyEvent::pressed) milestones.reached(milestone::hotKeyPressed, 0);
