@@ -2,6 +2,11 @@
 
 add_library(strict INTERFACE)  # linked by every target of ours
 target_compile_options(strict INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor)
+# What is given to people is hardened. The compiler's own defaults make it independent of its position.
+set(hardened "$<AND:$<CONFIG:Release,RelWithDebInfo>,$<NOT:$<BOOL:${TARVIX_SANITIZE}>>>")
+target_compile_options(strict INTERFACE $<${hardened}:-fstack-protector-strong> $<${hardened}:-U_FORTIFY_SOURCE>
+  $<${hardened}:-D_FORTIFY_SOURCE=2>)
+target_link_options(strict INTERFACE $<${hardened}:LINKER:-z,relro,-z,now>)
 if(TARVIX_SANITIZE)
   target_compile_options(strict INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(strict INTERFACE -fsanitize=address,undefined)
