@@ -166,7 +166,7 @@ int run(RunningInstance& instance, std::unique_ptr<X11Windows> windows, const QP
 
     const Subscription termination = onTerminationSignal(runLoop, [&] {
         closeTheInput();  // gives the keyboard back before anything is waited for
-        QCoreApplication::quit();
+        QCoreApplication::exit();
     });
     ScreenLock screenLock;
     const Subscription screenLocked = screenLock.onLocked(closeTheInput);

@@ -50,6 +50,8 @@ QAccessibleInterface* describe(const QString& className, QObject* object) {
     if (!widget || className != "QWidget") return nullptr;
     if (isOnlyLookedAt(*widget)) return new Unseen;
     if (widget->isWindow() && widget->objectName() == "TheInput") return new InputDialog(widget);
+    if (widget->isWindow() && widget->objectName() == "Splash")
+        return new QAccessibleWidget(widget, QAccessible::Dialog);
     return nullptr;
 }
 

@@ -85,7 +85,11 @@ bool QtApplication::hasKeyWindow() {
     return active && ordinaryWindows().contains(active);
 }
 
-void QtApplication::terminate() { QCoreApplication::quit(); }
+// Not quit(), which the splash panel would refuse as it refuses to be closed; later, as the loop may not run yet.
+void QtApplication::terminate() {
+    QMetaObject::invokeMethod(
+        qApp, [] { QCoreApplication::exit(); }, Qt::QueuedConnection);
+}
 
 bool QtApplication::openUrl(const std::string& url) {
     const QUrl address(QString::fromStdString(url), QUrl::StrictMode);

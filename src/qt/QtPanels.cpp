@@ -15,6 +15,6 @@ std::unique_ptr<CanvasPanel> QtPanels::makeCanvasPanel(std::string_view drawn) {
 std::unique_ptr<DimmingPanel> QtPanels::makeDimmingPanel() { return makeQtDimmingPanel(services_); }
 std::unique_ptr<InspectorPanel> QtPanels::makeInspectorPanel() { return makeQtInspectorPanel(services_); }
 
-std::unique_ptr<SplashPanel> QtPanels::makeSplashPanel() { return makeQtSplashPanel(); }
+std::unique_ptr<SplashPanel> QtPanels::makeSplashPanel() { return makeQtSplashPanel(services_); }
 
 }  // namespace tarvix

@@ -1,20 +1,10 @@
 #include "qt/ServerSync.h"
 
-#include <xcb/xcb.h>
-
-#include <QGuiApplication>
 #include <cstdlib>
 
+#include "qt/XcbOfQt.h"
+
 namespace tarvix {
-
-namespace {
-
-xcb_connection_t* connectionOfQt() {
-    const auto* x11 = qGuiApp ? qGuiApp->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
-    return x11 ? x11->connection() : nullptr;
-}
-
-}  // namespace
 
 void flushToServer() {
     if (auto* connection = connectionOfQt()) xcb_flush(connection);

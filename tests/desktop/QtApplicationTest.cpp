@@ -3,9 +3,8 @@
 
 #include <QFile>
 #include <QLineEdit>
-#include <QPushButton>
 #include <QTemporaryDir>
-#include <QVBoxLayout>
+#include <QTimer>
 
 #include "qt/FrontWindow.h"
 #include "qt/QtApplication.h"
@@ -141,8 +140,11 @@ TEST_F(QtSettingsWindowTest, HiddenItIsNoKeyWindow) {
 
 TEST_F(QtSettingsWindowTest, ClosingItIsToldAsTheLastWindowsEnd) {
     show();
-    invoke("Close");
-    EXPECT_TRUE(runUntil([&] { return lastClosed == 1; }));
+    program.onLastWindowClosed([&] { program.terminate(); });
+    QTimer::singleShot(0, qApp, [&] { invoke("Close"); });
+    QTimer::singleShot(10000, topLevel("Settings"), [] { QCoreApplication::exit(1); });
+    EXPECT_EQ(QCoreApplication::exec(), 0) << "Qt tells it in its own loop alone";
+    EXPECT_EQ(lastClosed, 1);
     EXPECT_FALSE(topLevel("Settings")->isVisible());
 }
 

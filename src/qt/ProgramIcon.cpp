@@ -1,0 +1,20 @@
+#include "qt/ProgramIcon.h"
+
+#include <QPainter>
+#include <QSvgRenderer>
+
+// In a library the linker would leave it out; and this can't stand in a namespace.
+static void keepResource() { Q_INIT_RESOURCE(ProgramIcon); }
+
+namespace tarvix {
+
+QPixmap programIcon(int pixels) {
+    keepResource();
+    QPixmap icon(pixels, pixels);
+    icon.fill(Qt::transparent);
+    QPainter painter(&icon);
+    QSvgRenderer(QString(":/org.tarvix.Tarvix.svg")).render(&painter);
+    return icon;
+}
+
+}  // namespace tarvix
