@@ -116,7 +116,7 @@ int run(RunningInstance& instance, std::unique_ptr<X11Windows> windows, const QP
     QtApplication thisProgram(QtUserDefaults::standardPath(), environment);
     QtPasteboard pasteboard;
     QtNotificationCenter notificationCenter;
-    XdgAutostart loginItems;
+    XdgAutostart loginItems(AutostartPlaces::standard());
     QtUpdater updater;
 
     const auto connection = require(X11Connection::open());

@@ -1,16 +1,14 @@
 #include "linux/doctor/UserEntryFiles.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
 #include <system_error>
 #include <utility>
 
+#include "linux/desktops/Draft.h"
 #include "linux/desktops/TextSources.h"
 
 namespace tarvix {
@@ -46,51 +44,6 @@ std::optional<fs::path> entryWithId(const fs::path& folder, std::string_view id)
 }
 
 Fault faultOf(int error) { return Fault{std::strerror(error)}; }
-
-// A file with the text in it, beside the one that it is to become.
-class Draft {
-public:
-    Draft(const fs::path& folder, const std::string& text) : path_((folder / ".tarvix-XXXXXX").string()) {
-        const int file = mkostemp(path_.data(), O_CLOEXEC);
-        if (file < 0) {
-            error_ = errno;
-            return;
-        }
-        if (!writeAll(file, text) || fchmod(file, 0644) != 0 || fsync(file) != 0) error_ = errno;
-        if (close(file) != 0 && error_ == 0) error_ = errno;
-    }
-    ~Draft() {
-        if (!path_.empty()) unlink(path_.c_str());
-    }
-    Draft(const Draft&) = delete;
-    Draft& operator=(const Draft&) = delete;
-
-    int error() const { return error_; }
-
-    // 0 or the error, EEXIST where there is a file of that name.
-    int become(const fs::path& path) {
-        if (renameat2(AT_FDCWD, path_.c_str(), AT_FDCWD, path.c_str(), RENAME_NOREPLACE) == 0) {
-            path_.clear();
-            return 0;
-        }
-        // Not every file system can do that; a second name for the file isn't given over another one either.
-        if (errno != EINVAL) return errno;
-        return link(path_.c_str(), path.c_str()) == 0 ? 0 : errno;
-    }
-
-private:
-    static bool writeAll(int file, std::string_view text) {
-        while (!text.empty()) {
-            const ssize_t written = write(file, text.data(), text.size());
-            if (written < 0) return false;
-            text.remove_prefix(static_cast<std::size_t>(written));
-        }
-        return true;
-    }
-
-    std::string path_;  // empty once it has become another
-    int error_ = 0;
-};
 
 }  // namespace
 
@@ -129,7 +82,7 @@ Outcome<std::monostate> UserEntryFiles::create(const DesktopEntryFile& file) {
     fs::create_directories(path.parent_path(), failure);
     if (failure) return Fault{failure.message()};
     Draft draft(path.parent_path(), file.text);
-    const int error = draft.error() != 0 ? draft.error() : draft.become(path);
+    const int error = draft.become(path);
     if (error != 0) return faultOf(error);
     return std::monostate{};
 }
