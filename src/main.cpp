@@ -117,7 +117,6 @@ int run(RunningInstance& instance, std::unique_ptr<X11Windows> windows, const QP
     QtPasteboard pasteboard;
     QtNotificationCenter notificationCenter;
     XdgAutostart loginItems(AutostartPlaces::standard());
-    QtUpdater updater;
 
     const auto connection = require(X11Connection::open());
     connection->noteRemainsIn(remains);
@@ -140,6 +139,8 @@ int run(RunningInstance& instance, std::unique_ptr<X11Windows> windows, const QP
     QtStatusBar statusBar(appearances.together, [&](TrayWindowUse use) {
         return std::make_unique<X11TrayWindow>(*connection, std::move(use));
     });
+    QtUpdater updater(QtUpdater::builtInSource(), QtUpdater::thisSystem(TARVIX_VERSION),
+                      {QtUpdater::standardFolder(), environment}, userDefaults, appearances.together);
     connection->watch(runLoop);
     const Subscription hotKeyPressed = hotKeys->onHotKey([&](HotKeyEvent event, std::uint32_t) {
         if (event == HotKeyEvent::pressed) milestones.reached(milestone::hotKeyPressed, 0);

@@ -46,7 +46,7 @@ std::string_view messageOf(UpdateRefusal refusal) {
         case UpdateRefusal::cannotStore:
             return "The update can't be stored. Please check that there is room on the disk.";
         case UpdateRefusal::cannotInstall:
-            return "There is no program here that installs the update.";
+            return "No program here could open the update to install it.";
     }
     return "The update can't be used.";
 }

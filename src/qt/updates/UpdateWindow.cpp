@@ -1,0 +1,230 @@
+#include "qt/updates/UpdateWindow.h"
+
+#include <QApplication>
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QScreen>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace tarvix {
+
+namespace {
+
+// In points.
+constexpr double kTextSize = 13;
+constexpr double kHeadingSize = 15;
+constexpr double kMargin = 20;
+constexpr double kSpacing = 12;
+constexpr double kWidth = 440;
+constexpr double kNotesHeight = 160;
+
+constexpr int kProgressSteps = 1000;
+constexpr const char* kHeadingName = "heading";
+
+bool isDark(const QPalette& palette) {
+    return palette.color(QPalette::WindowText).lightnessF() > palette.color(QPalette::Window).lightnessF();
+}
+
+// The toolkit's own, unless the desktop says otherwise.
+QPalette paletteOf(const AppearanceValues& look) {
+    const QPalette own = QApplication::palette();
+    if (isDark(own) == look.isDark) return own;
+    QPalette palette = look.isDark ? QPalette(QColor(70, 70, 74), QColor(44, 44, 48))
+                                   : QPalette(QColor(236, 236, 236), QColor(246, 246, 246));
+    palette.setColor(QPalette::Base, look.isDark ? QColor(30, 30, 33) : QColor(Qt::white));
+    palette.setColor(QPalette::Text, look.isDark ? Qt::white : Qt::black);
+    palette.setColor(QPalette::Highlight,
+                     QColor::fromRgbF(static_cast<float>(look.accent.red), static_cast<float>(look.accent.green),
+                                      static_cast<float>(look.accent.blue)));
+    return palette;
+}
+
+int pixels(double points, double scale) { return std::max(1, static_cast<int>(std::lround(points * scale))); }
+
+QLabel* plainLabel(const QString& text) {
+    auto* label = new QLabel(text);
+    label->setTextFormat(Qt::PlainText);  // a feed's words are only words
+    label->setWordWrap(true);
+    return label;
+}
+
+QPushButton* addButton(QBoxLayout* row, const QString& title, const std::function<void()>& pressed) {
+    auto* button = new QPushButton(title);
+    button->setAccessibleName(title);
+    button->setAutoDefault(true);  // Return presses the one that has the focus
+    QObject::connect(button, &QPushButton::clicked, pressed);
+    row->addWidget(button);
+    return button;
+}
+
+}  // namespace
+
+class UpdateWindow::Dialog : public QDialog {
+public:
+    std::function<void()> onClosed;
+
+    // Escape and the window manager's close button.
+    void reject() override {
+        if (const auto closed = onClosed) closed();
+    }
+};
+
+UpdateWindow::UpdateWindow(Appearance& appearance)
+    : appearance_(appearance), appearanceChanged_(appearance.onChange([this] { dress(); })) {}
+
+UpdateWindow::~UpdateWindow() = default;
+
+void UpdateWindow::showUpdate(const AvailableUpdate& update, const std::string& programVersion, Manner manner,
+                              std::function<void(Answer)> answered) {
+    const auto answer = [this, answered = std::move(answered)](Answer given) {
+        return [this, answered, given] { settle([answered, given] { answered(given); }); };
+    };
+    QBoxLayout* column = begin("A new version of Tarvix is available!", answer(Answer::later));
+    column->addWidget(
+        plainLabel(QString("Tarvix %1 is now available. You have %2. Would you like to install it now?")
+                       .arg(QString::fromStdString(update.displayVersion), QString::fromStdString(programVersion))));
+    if (!update.notes.empty()) {
+        auto* notes = new QPlainTextEdit(QString::fromStdString(update.notes));
+        notes->setReadOnly(true);
+        notes->setTabChangesFocus(true);
+        notes->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+        notes->setAccessibleName("Release Notes");
+        auto* title = plainLabel("Release Notes");
+        title->setBuddy(notes);
+        column->addWidget(title);
+        column->addWidget(notes, 1);
+    }
+    auto* row = new QHBoxLayout;
+    column->addLayout(row);
+    addButton(row, "Skip This Version", answer(Answer::skip));
+    row->addStretch();
+    addButton(row, "Remind Me Later", answer(Answer::later));
+    QPushButton* install = addButton(row, "Install Update", answer(Answer::install));
+    install->setDefault(true);
+    install->setFocus();
+    finish(manner);
+}
+
+void UpdateWindow::showProgress(const QString& what, std::function<void()> cancelled) {
+    const auto cancel = [this, cancelled = std::move(cancelled)] { settle(cancelled); };
+    QBoxLayout* column = begin(what, cancel);
+    progress_ = new QProgressBar;
+    progress_->setRange(0, 0);
+    progress_->setTextVisible(false);
+    progress_->setAccessibleName(what);
+    column->addWidget(progress_);
+    auto* row = new QHBoxLayout;
+    column->addLayout(row);
+    row->addStretch();
+    addButton(row, "Cancel", cancel)->setFocus();
+    finish(Manner::asked);
+}
+
+void UpdateWindow::setProgress(double part) {
+    if (progress_ == nullptr) return;
+    progress_->setRange(0, kProgressSteps);
+    progress_->setValue(static_cast<int>(std::lround(part * kProgressSteps)));
+}
+
+void UpdateWindow::showMessage(const QString& heading, const QString& text, std::function<void()> closed) {
+    const auto close = [this, closed = std::move(closed)] { settle(closed); };
+    QBoxLayout* column = begin(heading, close);
+    column->addWidget(plainLabel(text));
+    auto* row = new QHBoxLayout;
+    column->addLayout(row);
+    row->addStretch();
+    QPushButton* button = addButton(row, "OK", close);
+    button->setDefault(true);
+    button->setFocus();
+    finish(Manner::asked);
+}
+
+void UpdateWindow::bringToFront() {
+    if (!dialog_) return;
+    dialog_->show();
+    dialog_->raise();
+    dialog_->activateWindow();
+}
+
+void UpdateWindow::close() {
+    progress_ = nullptr;
+    // Not at once: it may be in the middle of telling of a click.
+    if (Dialog* const gone = dialog_.release()) {
+        gone->onClosed = nullptr;
+        gone->hide();
+        gone->deleteLater();
+    }
+}
+
+// A content takes the window of the one before it, at its place.
+QBoxLayout* UpdateWindow::begin(const QString& heading, std::function<void()> closed) {
+    progress_ = nullptr;
+    ++contents_;
+    if (!dialog_) {
+        dialog_ = std::make_unique<Dialog>();
+        dialog_->setObjectName("Updates");
+        dialog_->setWindowTitle("Software Update");
+        dialog_->setLayout(new QVBoxLayout);
+        dialog_->layout()->setContentsMargins(0, 0, 0, 0);
+    }
+    dialog_->onClosed = std::move(closed);
+    while (QLayoutItem* const before = dialog_->layout()->takeAt(0)) {
+        before->widget()->hide();
+        before->widget()->setEnabled(false);  // a second click on a button that is going does nothing
+        before->widget()->deleteLater();
+        delete before;
+    }
+    auto* content = new QWidget;
+    dialog_->layout()->addWidget(content);
+    auto* column = new QVBoxLayout(content);
+    auto* title = plainLabel(heading);
+    title->setObjectName(kHeadingName);
+    column->addWidget(title);
+    dialog_->setAccessibleName(heading);
+    return column;
+}
+
+void UpdateWindow::finish(Manner manner) {
+    dress();
+    dialog_->setAttribute(Qt::WA_ShowWithoutActivating, manner == Manner::unasked);
+    if (dialog_->isVisible()) return;
+    dialog_->show();
+    if (manner == Manner::asked) bringToFront();
+}
+
+// By value: the callback lives in the content that goes.
+void UpdateWindow::settle(std::function<void()> callback) {
+    const int present = contents_;
+    dialog_->onClosed = nullptr;
+    callback();
+    if (contents_ == present) close();
+}
+
+void UpdateWindow::dress() {
+    if (!dialog_) return;
+    const AppearanceValues& look = appearance_.values();
+    QFont font = QApplication::font();
+    font.setPixelSize(pixels(kTextSize, look.scale));
+    dialog_->setFont(font);
+    dialog_->setPalette(paletteOf(look));
+    QWidget* const content = dialog_->layout()->itemAt(0)->widget();
+    const int margin = pixels(kMargin, look.scale);
+    content->layout()->setContentsMargins(margin, margin, margin, margin);
+    content->layout()->setSpacing(pixels(kSpacing, look.scale));
+    font.setPixelSize(pixels(kHeadingSize, look.scale));
+    font.setBold(true);
+    content->findChild<QLabel*>(kHeadingName)->setFont(font);
+    for (auto* notes : content->findChildren<QPlainTextEdit*>())
+        notes->setMinimumHeight(pixels(kNotesHeight, look.scale));
+    const QSize room = dialog_->screen()->availableSize();
+    dialog_->setMinimumWidth(std::min(pixels(kWidth, look.scale), room.width()));
+    dialog_->setMaximumSize(room);
+    dialog_->adjustSize();
+}
+
+}  // namespace tarvix
