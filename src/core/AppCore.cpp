@@ -1,6 +1,7 @@
 #include "core/AppCore.h"
 
-#include "core/AppActivation.h"
+#include "core/ShowSettings.h"
+#include "platform/Application.h"
 #include "platform/Milestones.h"
 #include "platform/UserDefaults.h"
 #include "platform/Workspace.h"
@@ -13,12 +14,32 @@ AppCore::~AppCore() = default;
 
 void AppCore::start() {
     removeOldSettings();
-    makeServices();
+    if (!updaterController_) updaterController_ = std::make_unique<UpdaterController>(platform_.updater);
+    if (!statusBarController_)
+        statusBarController_ = std::make_unique<StatusBarController>(
+            platform_, *updaterController_, [platform = platform_] { showSettings(platform); });
+    if (!theInput_) makeServices();
     bringUpShortcut();
     localMonitorController_->installLocalMonitor();
-    eventTapController_->enable(true);
+    bringUpTap();
+    platform_.application.hide();
     platform_.milestones.reached(milestone::ready, 0);
 }
+
+void AppCore::suspend() {
+    if (keyboardShortcuts_) keyboardShortcuts_->setEnabled(false);
+    if (localMonitorController_) localMonitorController_->removeLocalMonitor();
+    if (!eventTapController_) fatal("the accessibility privilege is lost before there is an event tap to disable");
+    eventTapController_->enable(false);
+    theInput_->close();
+}
+
+bool AppCore::isRunning() const {
+    return eventTapController_ && eventTapController_->isEnabled() && localMonitorController_->isInstalled() &&
+           keyboardShortcuts_->isEnabled();
+}
+
+void AppCore::toggleTheInput() { tarvix::toggleTheInput(tarvixEngine(), theInput(), preloading_); }
 
 // Nothing reads them any more.
 void AppCore::removeOldSettings() {
@@ -27,13 +48,16 @@ void AppCore::removeOldSettings() {
 }
 
 void AppCore::makeServices() {
-    if (tarvixEngine_) return;
     sauce_ = std::make_unique<Sauce>(platform_.inputSources);
     axEngine_.emplace(platform_);
     displayEngine_ = std::make_unique<DisplayEngine>(platform_);
     tarvixEngine_ =
         std::make_unique<TarvixEngine>(platform_, std::make_shared<SearchEngine>(platform_), *displayEngine_);
     theInput_ = std::make_unique<TheInput>(platform_, *displayEngine_, *tarvixEngine_, *sauce_);
+    makePartsOfASearch();
+}
+
+void AppCore::makePartsOfASearch() {
     keyboardShortcuts_ = std::make_unique<KeyboardShortcuts>(platform_.userDefaults, platform_.hotKeys);
     keyboardShortcuts_->define(toggleWith);
     keyRouting_ = std::make_unique<KeyRouting>(platform_, *tarvixEngine_, *theInput_, preloading_);
@@ -41,20 +65,24 @@ void AppCore::makeServices() {
         std::make_unique<LocalMonitorController>(platform_.events, *sauce_, *theInput_, *keyRouting_);
     inspector_ = std::make_unique<Inspector>(platform_, *displayEngine_, *theInput_);
     sessionEnd_ = tarvixEngine_->onSessionEnded([this] { inspector_->close(); });
-    eventTapController_ = std::make_unique<EventTapController>(
-        platform_.eventTaps, platform_.runLoop, platform_.userDefaults, *tarvixEngine_, *theInput_, *inspector_);
     // After The Input, which has taken on a new look by the time that it is shown with it.
     inputPreviewer_ = std::make_unique<InputPreviewer>(*theInput_, *tarvixEngine_);
     theInputMakeup_ = std::make_unique<TheInputMakeup>(platform_.userDefaults, platform_.runLoop, *inputPreviewer_);
-    activation_ = platform_.workspace.onApplicationActivated(
-        [this](const RunningApplication& application) { anAppHasBeenActivated(application, *axEngine_); });
 }
 
 // The handlers go first, so that a second start doesn't leave two of them.
 void AppCore::bringUpShortcut() {
     keyboardShortcuts_->setEnabled(true);
     keyboardShortcuts_->removeAllHandlers();
-    keyboardShortcuts_->onKeyDown(toggleWith, [this] { toggleTheInput(*tarvixEngine_, *theInput_, preloading_); });
+    keyboardShortcuts_->onKeyDown(toggleWith, [this] { toggleTheInput(); });
+}
+
+void AppCore::bringUpTap() {
+    if (eventTapController_)
+        eventTapController_->enable(true);
+    else
+        eventTapController_ = std::make_unique<EventTapController>(
+            platform_.eventTaps, platform_.runLoop, platform_.userDefaults, *tarvixEngine_, *theInput_, *inspector_);
 }
 
 }  // namespace tarvix

@@ -1,17 +1,16 @@
 #include "core/EventTapController.h"
 
-#include <cstdio>
-#include <cstdlib>
 #include <utility>
+
+#include "base/Fatal.h"
 
 namespace tarvix {
 
 namespace {
 
 std::unique_ptr<EventTap> require(std::unique_ptr<EventTap> tap) {
-    if (tap) return tap;
-    std::fputs("tarvix: big issue: can't create event tap\n", stderr);
-    std::abort();
+    if (!tap) fatal("can't create event tap");
+    return tap;
 }
 
 }  // namespace
@@ -28,6 +27,11 @@ EventTapController::EventTapController(EventTaps& eventTaps, RunLoop& runLoop, U
     tap_->setInterest(interest());
     visibility_ = theInput.onVisibilityChanged([this] { tap_->setInterest(interest()); });
     settings_ = userDefaults.onChange([this](std::string_view) { tap_->setInterest(interest()); });
+}
+
+void EventTapController::enable(bool isEnabled) {
+    isEnabled_ = isEnabled;
+    tap_->enable(isEnabled);
 }
 
 TapInterest EventTapController::interest() const {

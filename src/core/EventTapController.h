@@ -22,7 +22,8 @@ public:
     EventTapController(const EventTapController&) = delete;
     EventTapController& operator=(const EventTapController&) = delete;
 
-    void enable(bool isEnabled) { tap_->enable(isEnabled); }
+    void enable(bool isEnabled);
+    bool isEnabled() const { return isEnabled_; }
 
 private:
     TapInterest interest() const;
@@ -37,6 +38,7 @@ private:
     Setting<bool> preventScrollingWhenTarvixing_;
     Subscription hoverTimer_;
     std::unique_ptr<EventTap> tap_;
+    bool isEnabled_ = true;
     Subscription visibility_, settings_;
 };
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "core/Copying.h"
-#include "platform/Application.h"
+#include "core/ShowSettings.h"
 
 namespace tarvix {
 
@@ -64,7 +64,7 @@ void KeyRouting::perform(KeyAction action) {
             if (const AccessibilityElement* element = elementToCopy()) copyMetadata(*element, platform_.pasteboard);
             return;
         case KeyAction::showSettings:
-            return platform_.application.showSettingsWindow();
+            return tarvix::showSettings(platform_);
         case KeyAction::nothing:
             return;
         case KeyAction::copyTargetsDescription:

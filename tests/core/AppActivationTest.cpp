@@ -8,6 +8,7 @@
 
 #include "core/AppActivation.h"
 #include "core/AppCore.h"
+#include "core/AppDelegate.h"
 #include "simulated/SimulatedDesktop.h"
 
 namespace tarvix {
@@ -38,10 +39,11 @@ protected:
     std::size_t switches() const { return desk.runLoop.timers() - timersBefore; }
 
     AppCore core{desk.platform()};
+    AppDelegate delegate{desk.platform(), core};
     std::size_t timersBefore = 0;
 
     void SetUp() override {
-        core.start();
+        delegate.applicationDidFinishLaunching();
         timersBefore = desk.runLoop.timers();
     }
 };
@@ -112,7 +114,10 @@ TEST_F(AppActivationInTheProgram, AnActivationNeitherEndsASearchNorReadsAnything
 }
 
 TEST_F(AppActivation, BeforeTheProgramHasStartedThereAreNoSwitches) {
-    const AppCore core(desk.platform());
+    AppCore core(desk.platform());
+    AppDelegate delegate(desk.platform(), core);
+    desk.accessibility.trusted = false;
+    delegate.applicationDidFinishLaunching();
     desk.launch("Browser", "org.mozilla.firefox");
     EXPECT_THAT(writes, IsEmpty());
     EXPECT_EQ(desk.runLoop.timers(), 0u);
@@ -121,7 +126,8 @@ TEST_F(AppActivation, BeforeTheProgramHasStartedThereAreNoSwitches) {
 TEST_F(AppActivation, WhenTheProgramHasGoneThereAreNone) {
     {
         AppCore core(desk.platform());
-        core.start();
+        AppDelegate delegate(desk.platform(), core);
+        delegate.applicationDidFinishLaunching();
     }
     desk.launch("Browser", "org.mozilla.firefox");
     EXPECT_THAT(writes, IsEmpty());

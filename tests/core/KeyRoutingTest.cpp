@@ -218,7 +218,7 @@ TEST_F(KeyRoutingTest, WithoutAPrimaryTargetOrWithAnEmptyQueryNothingIsCopied) {
 
 TEST_F(KeyRoutingTest, CommandCommaShowsTheSettings) {
     after({Key::comma, {.command = true}});
-    EXPECT_THAT(desk.journal(), ElementsAre("settings shown"));
+    EXPECT_THAT(desk.journal(), ElementsAre("settings shown", "activated"));
 }
 
 TEST_F(KeyRoutingTest, CommandQDoesNothingAtAll) {

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "core/AppCore.h"
+#include "core/TarvixApp.h"
 #include "keys/KeyCombinationAdaptor.h"
 #include "simulated/SimulatedDesktop.h"
 
@@ -18,7 +18,10 @@ class SearchScenario : public testing::Test {
 protected:
     using Texts = std::vector<std::string>;
 
-    SearchScenario() { core.start(); }
+    SearchScenario() {
+        app.appDelegate().applicationDidFinishLaunching();
+        desk.clearJournal();
+    }
 
     void press(Key key, std::uint64_t flags = 0) { desk.press(qwertyKeyCode(key), flags); }
     void press(const KeyCombination& keys) {
@@ -63,7 +66,8 @@ protected:
     }
 
     SimulatedDesktop desk;
-    AppCore core{desk.platform()};
+    TarvixApp app{desk.platform()};
+    AppCore& core = app.core();
 
 private:
     Sauce sauce_{desk.inputSources};

@@ -66,6 +66,7 @@ protected:
         desk.window("Mail");
         desk.hotKeys.takenByOthers.insert({49, 0x300});
         core.start();
+        desk.clearJournal();
     }
     void pressShortcut() { desk.press(49, eventFlag::shift | eventFlag::command); }
 
