@@ -50,6 +50,7 @@
 #include "qt/QtUserDefaults.h"
 #include "qt/ScreenLock.h"
 #include "qt/TerminationSignals.h"
+#include "qt/TrustWatcher.h"
 #include "qt/updates/QtUpdater.h"
 #include "shell/CommandLine.h"
 
@@ -158,12 +159,18 @@ int run(RunningInstance& instance, std::unique_ptr<X11Windows> windows, const QP
     const auto closeTheInput = [&core] {
         if (core.isStarted()) core.theInput().close();
     };
+    TrustWatcher trustWatcher([&] { accessibility->noteTrustChange(); });
+    thisProgram.onLastWindowClosed([&] { program.appDelegate().applicationShouldTerminateAfterLastWindowClosed(); });
+    // Who has asked by now has asked before the start.
+    const Subscription served = instance.serve(
+        runLoop, {.activate = [&] { program.appDelegate().applicationShouldHandleReopen(); },
+                  .open = [&](const std::vector<std::string>& urls) { program.appDelegate().openURLs(urls); },
+                  .showSettings = [&] { program.appDelegate().applicationShouldHandleReopen(); },
+                  .quit = [&] { thisProgram.terminate(); }});
     program.appDelegate().applicationDidFinishLaunching();
     wakeFrontmost();
     const Subscription activation =
         workspace->onApplicationActivated([&](const RunningApplication&) { wakeFrontmost(); });
-    QObject::connect(qApp, &QGuiApplication::lastWindowClosed,
-                     [&program] { program.appDelegate().applicationShouldTerminateAfterLastWindowClosed(); });
 
     const Subscription termination = onTerminationSignal(runLoop, [&] {
         closeTheInput();  // gives the keyboard back before anything is waited for
@@ -176,12 +183,8 @@ int run(RunningInstance& instance, std::unique_ptr<X11Windows> windows, const QP
         closeTheInput();
         QCoreApplication::exit(static_cast<int>(ExitStatus::failure));
     });
-    const Subscription served = instance.serve(
-        runLoop, {.activate = [&] { program.appDelegate().applicationShouldHandleReopen(); },
-                  .open = [&](const std::vector<std::string>& urls) { program.appDelegate().openURLs(urls); },
-                  .showSettings = [&] { program.appDelegate().applicationShouldHandleReopen(); },
-                  .quit = [&] { thisProgram.terminate(); }});
     const int status = QCoreApplication::exec();
+    thisProgram.dropSettingsWindow();
     runLoop.waitForBodies();
     return status;
 }
