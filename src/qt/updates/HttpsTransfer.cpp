@@ -31,7 +31,7 @@ UpdateRefusal refusalOf(QNetworkReply::NetworkError error) {
 
 QNetworkRequest requestFor(const QUrl& address, const HttpsTransfer::Network& network) {
     QNetworkRequest request(address);
-    QSslConfiguration tls = network.tls;
+    QSslConfiguration tls = network.tls.value_or(QSslConfiguration::defaultConfiguration());
     tls.setPeerVerifyMode(QSslSocket::VerifyPeer);
     tls.setProtocol(QSsl::TlsV1_2OrLater);
     request.setSslConfiguration(tls);

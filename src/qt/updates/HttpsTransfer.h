@@ -19,7 +19,7 @@ namespace tarvix {
 class HttpsTransfer : public QObject {
 public:
     struct Network {
-        QSslConfiguration tls;
+        std::optional<QSslConfiguration> tls;  // the system's where it is absent: having it takes time
         QByteArray userAgent;
     };
     struct Limits {

@@ -41,7 +41,9 @@ std::string architecture() {
 
 }  // namespace
 
-QtUpdater::Source QtUpdater::builtInSource() { return {.feed = TARVIX_UPDATE_FEED, .key = TARVIX_UPDATE_KEY}; }
+QtUpdater::Source QtUpdater::builtInSource() {
+    return {.feed = TARVIX_UPDATE_FEED, .key = TARVIX_UPDATE_KEY, .tls = {}};
+}
 
 QString QtUpdater::standardFolder() {
     return QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) + "/tarvix/update";

@@ -31,9 +31,9 @@ namespace tarvix {
 class QtUpdater : public Updater {
 public:
     struct Source {
-        std::string feed;  // HTTPS
-        std::string key;   // Ed25519, in base64
-        QSslConfiguration tls = QSslConfiguration::defaultConfiguration();
+        std::string feed;                           // HTTPS
+        std::string key;                            // Ed25519, in base64
+        std::optional<QSslConfiguration> tls = {};  // the system's where it is absent
     };
     struct Times {
         std::chrono::milliseconds afterStart = std::chrono::minutes(1);  // before a check that is due already

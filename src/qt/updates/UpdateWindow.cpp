@@ -11,40 +11,24 @@
 #include <cmath>
 #include <utility>
 
+#include "qt/ProgramIcon.h"
+#include "qt/settings/SettingsLook.h"
+
 namespace tarvix {
 
 namespace {
 
 // In points.
-constexpr double kTextSize = 13;
-constexpr double kHeadingSize = 15;
+constexpr double kIconSize = 64;
 constexpr double kMargin = 20;
 constexpr double kSpacing = 12;
-constexpr double kWidth = 440;
-constexpr double kNotesHeight = 160;
+constexpr double kWidth = 520;
+constexpr double kNotesHeight = 140;
+constexpr double kButtonPadding = 12;
 
 constexpr int kProgressSteps = 1000;
 constexpr const char* kHeadingName = "heading";
-
-bool isDark(const QPalette& palette) {
-    return palette.color(QPalette::WindowText).lightnessF() > palette.color(QPalette::Window).lightnessF();
-}
-
-// The toolkit's own, unless the desktop says otherwise.
-QPalette paletteOf(const AppearanceValues& look) {
-    const QPalette own = QApplication::palette();
-    if (isDark(own) == look.isDark) return own;
-    QPalette palette = look.isDark ? QPalette(QColor(70, 70, 74), QColor(44, 44, 48))
-                                   : QPalette(QColor(236, 236, 236), QColor(246, 246, 246));
-    palette.setColor(QPalette::Base, look.isDark ? QColor(30, 30, 33) : QColor(Qt::white));
-    palette.setColor(QPalette::Text, look.isDark ? Qt::white : Qt::black);
-    palette.setColor(QPalette::Highlight,
-                     QColor::fromRgbF(static_cast<float>(look.accent.red), static_cast<float>(look.accent.green),
-                                      static_cast<float>(look.accent.blue)));
-    return palette;
-}
-
-int pixels(double points, double scale) { return std::max(1, static_cast<int>(std::lround(points * scale))); }
+constexpr const char* kIconName = "icon";
 
 QLabel* plainLabel(const QString& text) {
     auto* label = new QLabel(text);
@@ -105,9 +89,7 @@ void UpdateWindow::showUpdate(const AvailableUpdate& update, const std::string& 
     row->addStretch();
     addButton(row, "Remind Me Later", answer(Answer::later));
     QPushButton* install = addButton(row, "Install Update", answer(Answer::install));
-    install->setDefault(true);
-    install->setFocus();
-    finish(manner);
+    finish(*install, manner);
 }
 
 void UpdateWindow::showProgress(const QString& what, std::function<void()> cancelled) {
@@ -121,8 +103,7 @@ void UpdateWindow::showProgress(const QString& what, std::function<void()> cance
     auto* row = new QHBoxLayout;
     column->addLayout(row);
     row->addStretch();
-    addButton(row, "Cancel", cancel)->setFocus();
-    finish(Manner::asked);
+    finish(*addButton(row, "Cancel", cancel), Manner::asked);
 }
 
 void UpdateWindow::setProgress(double part) {
@@ -138,10 +119,7 @@ void UpdateWindow::showMessage(const QString& heading, const QString& text, std:
     auto* row = new QHBoxLayout;
     column->addLayout(row);
     row->addStretch();
-    QPushButton* button = addButton(row, "OK", close);
-    button->setDefault(true);
-    button->setFocus();
-    finish(Manner::asked);
+    finish(*addButton(row, "OK", close), Manner::asked);
 }
 
 void UpdateWindow::bringToFront() {
@@ -181,7 +159,12 @@ QBoxLayout* UpdateWindow::begin(const QString& heading, std::function<void()> cl
     }
     auto* content = new QWidget;
     dialog_->layout()->addWidget(content);
-    auto* column = new QVBoxLayout(content);
+    auto* row = new QHBoxLayout(content);
+    auto* icon = new QLabel;
+    icon->setObjectName(kIconName);
+    row->addWidget(icon, 0, Qt::AlignTop);
+    auto* column = new QVBoxLayout;
+    row->addLayout(column, 1);
     auto* title = plainLabel(heading);
     title->setObjectName(kHeadingName);
     column->addWidget(title);
@@ -189,12 +172,15 @@ QBoxLayout* UpdateWindow::begin(const QString& heading, std::function<void()> cl
     return column;
 }
 
-void UpdateWindow::finish(Manner manner) {
+void UpdateWindow::finish(QPushButton& first, Manner manner) {
     dress();
     dialog_->setAttribute(Qt::WA_ShowWithoutActivating, manner == Manner::unasked);
-    if (dialog_->isVisible()) return;
+    const bool isNew = !dialog_->isVisible();
     dialog_->show();
-    if (manner == Manner::asked) bringToFront();
+    dialog_->layout()->itemAt(0)->widget()->show();
+    first.setDefault(true);
+    first.setFocus();
+    if (isNew && manner == Manner::asked) bringToFront();
 }
 
 // By value: the callback lives in the content that goes.
@@ -207,24 +193,27 @@ void UpdateWindow::settle(std::function<void()> callback) {
 
 void UpdateWindow::dress() {
     if (!dialog_) return;
-    const AppearanceValues& look = appearance_.values();
-    QFont font = QApplication::font();
-    font.setPixelSize(pixels(kTextSize, look.scale));
-    dialog_->setFont(font);
-    dialog_->setPalette(paletteOf(look));
+    const SettingsLook look(appearance_.values());
+    dialog_->setFont(look.font());
+    dialog_->setPalette(look.palette());
     QWidget* const content = dialog_->layout()->itemAt(0)->widget();
-    const int margin = pixels(kMargin, look.scale);
+    const int margin = look.pixels(kMargin);
     content->layout()->setContentsMargins(margin, margin, margin, margin);
-    content->layout()->setSpacing(pixels(kSpacing, look.scale));
-    font.setPixelSize(pixels(kHeadingSize, look.scale));
-    font.setBold(true);
-    content->findChild<QLabel*>(kHeadingName)->setFont(font);
-    for (auto* notes : content->findChildren<QPlainTextEdit*>())
-        notes->setMinimumHeight(pixels(kNotesHeight, look.scale));
+    content->findChild<QLabel*>(kIconName)->setPixmap(programIcon(look.pixels(kIconSize)));
+    content->findChild<QLabel*>(kHeadingName)->setFont(look.headingFont());
+    for (auto* lines : content->findChildren<QBoxLayout*>()) lines->setSpacing(look.pixels(kSpacing));
+    content->layout()->setSpacing(margin);
+    for (auto* notes : content->findChildren<QPlainTextEdit*>()) notes->setMinimumHeight(look.pixels(kNotesHeight));
+    for (auto* button : content->findChildren<QPushButton*>())
+        button->setMinimumSize(button->sizeHint() +
+                               QSize(look.pixels(kButtonPadding), look.pixels(kButtonPadding / 2)));
+    // By hand: a layout with texts of several lines has its right height for one width alone.
     const QSize room = dialog_->screen()->availableSize();
-    dialog_->setMinimumWidth(std::min(pixels(kWidth, look.scale), room.width()));
-    dialog_->setMaximumSize(room);
-    dialog_->adjustSize();
+    const int width = std::min(look.pixels(kWidth), room.width());
+    content->layout()->activate();
+    dialog_->layout()->activate();
+    dialog_->setMinimumWidth(width);
+    dialog_->resize(width, std::min(content->layout()->totalHeightForWidth(width), room.height()));
 }
 
 }  // namespace tarvix

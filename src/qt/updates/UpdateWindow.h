@@ -11,6 +11,7 @@
 
 class QBoxLayout;
 class QProgressBar;
+class QPushButton;
 
 namespace tarvix {
 
@@ -42,7 +43,7 @@ private:
     class Dialog;
 
     QBoxLayout* begin(const QString& heading, std::function<void()> closed);
-    void finish(Manner manner);
+    void finish(QPushButton& first, Manner manner);
     void settle(std::function<void()> callback);
     void dress();
 

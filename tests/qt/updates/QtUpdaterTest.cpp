@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QFile>
 #include <QFileInfo>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QProgressBar>
@@ -93,9 +94,7 @@ struct QtUpdaterTest : testing::Test {
         installWith("cp \"$1\" '" + handed() + ".part' && mv '" + handed() + ".part' '" + handed() + "'");
         offer(release);
     }
-    ~QtUpdaterTest() override {
-        qputenv("PATH", path);
-    }
+    ~QtUpdaterTest() override { qputenv("PATH", path); }
 
     // The program that opens files, on the path before the desktop's own.
     void installWith(const QString& script) {
@@ -290,6 +289,7 @@ TEST_F(QtUpdaterTest, ACancelledDownloadLeavesNothing) {
     auto* const progress = window()->findChild<QProgressBar*>();
     ASSERT_TRUE(eventually([&] { return progress->maximum() > 0 && progress->value() > 0; }));
     EXPECT_LE(progress->value(), progress->maximum() / 2);
+    EXPECT_EQ(window()->focusWidget(), button("Cancel"));
     EXPECT_FALSE(updater->canCheckForUpdates());
     ASSERT_TRUE(press("Cancel"));
     EXPECT_TRUE(updater->canCheckForUpdates());
@@ -604,7 +604,7 @@ TEST_F(QtUpdaterTest, RefusesAMissingFeedAndAMissingFile) {
 }
 
 TEST_F(QtUpdaterTest, RefusesAServerThatNobodyVouchesFor) {
-    source.tls = QSslConfiguration::defaultConfiguration();
+    source.tls.reset();
     feedRefused(UpdateRefusal::untrustedServer);
     EXPECT_THAT(requests(), IsEmpty());
 }
@@ -662,15 +662,58 @@ TEST_F(QtUpdaterTest, EverythingIsReachedByTheKeyboardAndHasAName) {
     EXPECT_TRUE(window()->findChild<QPlainTextEdit*>()->tabChangesFocus());
 }
 
+TEST_F(QtUpdaterTest, KeysAloneAnswer) {
+    const auto type = [](Qt::Key typed) {
+        for (const auto kind : {QEvent::KeyPress, QEvent::KeyRelease}) {
+            QWidget* const focused = window() != nullptr ? window()->focusWidget() : nullptr;
+            if (focused == nullptr) return;
+            QKeyEvent event(kind, typed, Qt::NoModifier);
+            QApplication::sendEvent(focused, &event);
+        }
+    };
+    start().checkForUpdates();
+    ASSERT_TRUE(shows("A new version"));
+    type(Qt::Key_Tab);
+    type(Qt::Key_Tab);
+    EXPECT_EQ(window()->focusWidget(), button("Skip This Version"));
+    type(Qt::Key_Escape);
+    ASSERT_TRUE(eventually([] { return window() == nullptr; }));
+    EXPECT_EQ(defaults.get("SUSkippedVersion"), std::nullopt);
+
+    updater->checkForUpdates();
+    ASSERT_TRUE(shows("A new version"));
+    type(Qt::Key_Return);
+    ASSERT_TRUE(shows("The update is ready")) << words();
+    type(Qt::Key_Space);
+    ASSERT_TRUE(eventually([] { return window() == nullptr; }));
+    ASSERT_TRUE(eventually([&] { return QFile::exists(handed()); }));
+}
+
+TEST_F(QtUpdaterTest, EveryWordHasRoom) {
+    start().checkForUpdates();
+    ASSERT_TRUE(shows("A new version"));
+    for (const double scale : {1.0, 2.0}) {
+        appearance.set({.isDark = false, .accent = {}, .selection = {}, .scale = scale});
+        QCoreApplication::processEvents();
+        for (auto* label : window()->findChildren<QLabel*>())
+            EXPECT_GE(label->height(), label->heightForWidth(label->width())) << label->text().toStdString();
+    }
+    source.feed = "https://127.0.0.1:1/feed.xml";
+    feedRefused(UpdateRefusal::unreachable);
+    QCoreApplication::processEvents();
+    for (auto* label : window()->findChildren<QLabel*>())
+        EXPECT_GE(label->height(), label->heightForWidth(label->width())) << label->text().toStdString();
+}
+
 TEST_F(QtUpdaterTest, FollowsTheDesktopsScaleAndItsDarkness) {
     appearance.set({.isDark = false, .accent = {}, .selection = {}, .scale = 1});
     start().checkForUpdates();
     ASSERT_TRUE(shows("A new version"));
-    EXPECT_EQ(button("Install Update")->font().pixelSize(), 13);
+    const int textSize = button("Install Update")->font().pixelSize();
     EXPECT_GT(window()->palette().color(QPalette::Window).lightness(), 128);
     const int width = window()->width();
-    appearance.set({.isDark = true, .accent = {}, .selection = {}, .scale = 1.5});
-    EXPECT_EQ(button("Install Update")->font().pixelSize(), 20);
+    appearance.set({.isDark = true, .accent = {}, .selection = {}, .scale = 2});
+    EXPECT_EQ(button("Install Update")->font().pixelSize(), 2 * textSize);
     EXPECT_LT(window()->palette().color(QPalette::Window).lightness(), 128);
     EXPECT_GT(window()->width(), width);
 }
