@@ -20,6 +20,7 @@
 #include "linux/desktops/KdeAppearance.h"
 #include "linux/desktops/XdgAutostart.h"
 #include "linux/instance/RunningInstance.h"
+#include "linux/x11/EvdevKeyCodes.h"
 #include "linux/x11/Panels.h"
 #include "linux/x11/X11Connection.h"
 #include "linux/x11/X11EventTaps.h"
@@ -51,6 +52,7 @@
 #include "qt/ScreenLock.h"
 #include "qt/TerminationSignals.h"
 #include "qt/TrustWatcher.h"
+#include "qt/settings/SettingsWindow.h"
 #include "qt/updates/QtUpdater.h"
 #include "shell/CommandLine.h"
 
@@ -159,6 +161,13 @@ int run(RunningInstance& instance, std::unique_ptr<X11Windows> windows, const QP
     const auto closeTheInput = [&core] {
         if (core.isStarted()) core.theInput().close();
     };
+    thisProgram.setSettingsWindow([&] {
+        const RecorderServices recorder{
+            core.keyboardShortcuts(), *inputSources, thisProgram, runLoop,
+            [](std::uint32_t scanCode) { return keyCodeOfX11(static_cast<std::uint8_t>(scanCode)); }};
+        return std::make_unique<SettingsWindow>(SettingsWindowServices{
+            userDefaults, appearances.together, program.launchAtLogin(), core.controlEffects(), recorder});
+    });
     TrustWatcher trustWatcher([&] { accessibility->noteTrustChange(); });
     thisProgram.onLastWindowClosed([&] { program.appDelegate().applicationShouldTerminateAfterLastWindowClosed(); });
     // Who has asked by now has asked before the start.

@@ -68,6 +68,10 @@ void AppCore::makePartsOfASearch() {
     // After The Input, which has taken on a new look by the time that it is shown with it.
     inputPreviewer_ = std::make_unique<InputPreviewer>(*theInput_, *tarvixEngine_);
     theInputMakeup_ = std::make_unique<TheInputMakeup>(platform_.userDefaults, platform_.runLoop, *inputPreviewer_);
+    targetsPreviewer_ =
+        std::make_unique<TargetsPreviewer>(platform_, *tarvixEngine_, *displayEngine_, *theInput_, *inputPreviewer_);
+    controlEffects_ = std::make_unique<ControlEffects>(platform_.runLoop, *inputPreviewer_, *targetsPreviewer_);
+    statusItemChanged_ = controlEffects_->onStatusItemChanged([this] { statusBarController_->updateStatusItem(); });
 }
 
 // The handlers go first, so that a second start doesn't leave two of them.

@@ -13,6 +13,7 @@
 #include "core/KeyRouting.h"
 #include "core/LocalMonitorController.h"
 #include "core/Preloading.h"
+#include "core/TargetsPreviewer.h"
 #include "core/TarvixEngine.h"
 #include "display/DisplayEngine.h"
 #include "display/Inspector.h"
@@ -22,6 +23,7 @@
 #include "shell/StatusBarController.h"
 #include "shell/TheInputMakeup.h"
 #include "shell/UpdaterController.h"
+#include "shell/preferences/ControlEffects.h"
 
 namespace tarvix {
 
@@ -59,6 +61,7 @@ public:
     LocalMonitorController& localMonitorController() {
         return started(localMonitorController_, "localMonitorController");
     }
+    ControlEffects& controlEffects() { return started(controlEffects_, "controlEffects"); }
     EventTapController& eventTapController() { return started(eventTapController_, "eventTapController"); }
 
 private:
@@ -90,6 +93,9 @@ private:
     std::unique_ptr<EventTapController> eventTapController_;
     std::unique_ptr<InputPreviewer> inputPreviewer_;
     std::unique_ptr<TheInputMakeup> theInputMakeup_;
+    std::unique_ptr<TargetsPreviewer> targetsPreviewer_;
+    std::unique_ptr<ControlEffects> controlEffects_;
+    Subscription statusItemChanged_;
     Subscription sessionEnd_;
 };
 
