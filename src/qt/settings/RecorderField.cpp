@@ -9,9 +9,11 @@
 #include <QMouseEvent>
 #include <QPushButton>
 #include <QStyle>
+#include <QTimer>
 #include <QWindow>
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <utility>
 
 #include "platform/Application.h"
@@ -19,6 +21,8 @@
 namespace tarvix {
 
 namespace {
+
+constexpr auto kWindowManagersTime = std::chrono::milliseconds(500);
 
 struct ModifierRow {
     Qt::KeyboardModifier modifier;
@@ -159,7 +163,10 @@ void RecorderField::makeFirstResponder(FirstResponder responder) {
     } else if (isVisible()) {
         isAwaited_ = true;
         setFocus(Qt::OtherFocusReason);
-        activateWindow();
+        // A window manager gives the window the keyboard back by itself, and loses keys when it is asked to besides.
+        QTimer::singleShot(kWindowManagersTime, this, [this] {
+            if (isAwaited_) activateWindow();
+        });
     }
 }
 
