@@ -1,6 +1,7 @@
 // The splash panel.
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <utility>
 
@@ -16,6 +17,7 @@ public:
     void setContent(const SplashContent& view, std::function<void(SplashAction)> pressed) override {
         content_ = view;
         pressed_ = std::move(pressed);
+        ++contents_;
     }
     void orderFrontRegardless() override {
         visible_ = true;
@@ -30,11 +32,14 @@ public:
     void press(SplashAction action) { pressed_(action); }
     bool isVisible() const { return visible_; }
     const SplashContent& content() const { return content_; }
+    // How often it was given one.
+    std::size_t contents() const { return contents_; }
 
 private:
     Journal& journal_;
     bool visible_ = false;
     SplashContent content_{};
+    std::size_t contents_ = 0;
     std::function<void(SplashAction)> pressed_;
 };
 
