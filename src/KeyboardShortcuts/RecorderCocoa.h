@@ -17,7 +17,7 @@
 
 namespace tarvix {
 
-// What a recorder works with. Everything outlives it.
+// What a recorder works with. Everything outlives it, and the background bodies that it has asked the loop for.
 struct RecorderParts {
     KeyboardShortcuts& shortcuts;
     InputSources& inputSources;
