@@ -56,8 +56,8 @@ public:
     }
 
     void setVisible(bool isVisible) override {
-        if (isVisible == isVisible_) return;
         isVisible_ = isVisible;
+        isRemoved_ = false;
         place();
     }
 
@@ -144,7 +144,7 @@ private:
     StatusMenu menu_;
     StatusItemBehavior behavior_ = StatusItemBehavior::none;
     bool isVisible_ = false;
-    bool isRemoved_ = false;  // by the user, until the next start
+    bool isRemoved_ = false;  // by the user, until it is made visible anew
     bool isRefused_ = false;  // by the present watcher
     QTimer pointerRests_;
     PopUpMenu popUp_;
