@@ -11,6 +11,7 @@
 #include <QStyle>
 #include <QWheelEvent>
 #include <algorithm>
+#include <cassert>
 #include <memory>
 #include <utility>
 
@@ -320,7 +321,9 @@ void PaneForm::bind(const Slider& slider, QSlider* control, QLabel* label) {
 }
 
 void PaneForm::add(const Recorder& recorder) {
-    auto* field = new RecorderField(services_.recorder, {std::string(recorder.shortcutName), {}}, this);
+    // The one name that there is, with its default: without it, a shortcut that is cleared comes back.
+    assert(recorder.shortcutName == toggleWith.rawValue);
+    auto* field = new RecorderField(services_.recorder, toggleWith, this);
     field->setAccessibleName(withoutColon(recorder.label));
     // The style's own is a picture of sixteen pixels.
     for (QAction* clear : field->actions())
