@@ -28,8 +28,16 @@ public:
 
     // The user opens the menu.
     const Menu& openMenu() {
-        if (needsUpdate_) needsUpdate_(menu_);
+        update(menu_);
         return menu_;
+    }
+    // As an opening does, of another menu.
+    void update(Menu& menu) {
+        if (needsUpdate_) needsUpdate_(menu);
+    }
+    // The user drags the item away, or tries to.
+    void takeAway() {
+        if (behavior_ == StatusItemBehavior::removalAllowed) setVisible(false);
     }
     bool isVisible() const { return isVisible_; }
     StatusItemBehavior behavior() const { return behavior_; }
