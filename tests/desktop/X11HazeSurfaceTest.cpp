@@ -20,17 +20,21 @@ protected:
         application.connection().sync();
     }
 
-    // The child of the root that shows this place black, below and above the others.
-    std::optional<AxRect> shownFrame() {
+    // The child of the root that is the surface, while it is mapped.
+    std::optional<xcb_window_t> shownWindow() {
         for (const xcb_window_t window : rootStack(*connection)) {
             const auto attributes = connection->reply<xcb_get_window_attributes_reply>(
                 xcb_get_window_attributes(connection->get(), window));
             if (!attributes || attributes->map_state != XCB_MAP_STATE_VIEWABLE) continue;
-            if (connection->items(window, "_NET_WM_WINDOW_OPACITY").empty()) continue;
-            const auto g = connection->reply<xcb_get_geometry_reply>(xcb_get_geometry(connection->get(), window));
-            return AxRect{{double(g->x), double(g->y)}, {double(g->width), double(g->height)}};
+            if (!connection->items(window, "_NET_WM_WINDOW_OPACITY").empty()) return window;
         }
         return std::nullopt;
+    }
+    std::optional<AxRect> shownFrame() {
+        const auto window = shownWindow();
+        if (!window) return std::nullopt;
+        const auto g = connection->reply<xcb_get_geometry_reply>(xcb_get_geometry(connection->get(), *window));
+        return AxRect{{double(g->x), double(g->y)}, {double(g->width), double(g->height)}};
     }
     xcb_window_t windowAt(std::int16_t x, std::int16_t y) {
         hardware.movePointer(x, y);
@@ -57,6 +61,25 @@ TEST_F(X11HazeSurfaceOnDesktop, ItIsShownInItsFrameAndTakenAway) {
     connection->sync();
     EXPECT_FALSE(haze.isShown());
     EXPECT_FALSE(shownFrame());
+}
+
+TEST_F(X11HazeSurfaceOnDesktop, BelowItselfItKeepsItsPlace) {
+    setComposited(true);
+    haze.setFrame({{0, 0}, {1920, 1080}});
+    haze.showBelow(application.window());
+    connection->sync();
+    const auto itself = shownWindow();
+    ASSERT_TRUE(itself);
+    haze.showBelow(*itself);
+    // Raised above the application, it is seen by its keeper and goes back below.
+    const std::uint32_t above = XCB_STACK_MODE_ABOVE;
+    xcb_configure_window(application.connection().get(), *itself, XCB_CONFIG_WINDOW_STACK_MODE, &above);
+    application.connection().sync();
+    const xcb_window_t top = childrenOfRoot(*connection, {application.window()}).front();
+    EXPECT_TRUE(loop.runUntil([&] {
+        const auto stack = rootStack(*connection);
+        return std::ranges::find(stack, *itself) < std::ranges::find(stack, top);
+    }));
 }
 
 TEST_F(X11HazeSurfaceOnDesktop, ThePointerGoesThroughIt) {

@@ -53,10 +53,12 @@ void X11HazeSurface::setAlpha(double alpha) {
     x_.flush();
 }
 
+// The last window of this program, which it is to be below, may be itself; then it is in its place.
 // The place is given before mapping, lest it flash over the window, and after it, as compositors lose a place given to
 // a window that isn't mapped.
 void X11HazeSurface::showBelow(std::uint32_t window) {
     if (!isComposited(x_)) return hide();
+    if (shown_ && shown_->window == window) return;
     Sheet& sheet = sheetFor(whoPlaces());
     if (sheet.placedBy == By::us) keeper_.keepBelow(sheet.window, window, By::us);
     map(sheet);
