@@ -17,11 +17,13 @@
 #include <utility>
 
 #include "platform/Application.h"
+#include "qt/ProgramIcon.h"
 
 namespace tarvix {
 
 namespace {
 
+constexpr double kIconSize = 48;  // points
 constexpr auto kWindowManagersTime = std::chrono::milliseconds(500);
 
 struct ModifierRow {
@@ -86,16 +88,19 @@ RecorderField::RecorderField(const RecorderServices& services, const ShortcutNam
 RecorderField::~RecorderField() = default;
 
 QSize RecorderField::sizeHint() const {
-    constexpr int pixelsOfAPoint = 13;
     QSize size = QLineEdit::sizeHint();
     int widest = fontMetrics().horizontalAdvance(text());
     for (const std::string_view key : {recorderKey::recordShortcut, recorderKey::pressShortcut})
         widest = std::max(widest, fontMetrics().horizontalAdvance(qt(recorderString(key, language_))));
     // The cancel button and as much again at the other side, for the text stands in the middle.
     const int besides = 2 * (size.height() + style()->pixelMetric(QStyle::PM_DefaultFrameWidth, nullptr, this));
-    const int least = static_cast<int>(RecorderCocoa::minimumWidth) * fontInfo().pixelSize() / pixelsOfAPoint;
-    size.setWidth(std::max(least, widest + besides));
+    size.setWidth(std::max(pixels(RecorderCocoa::minimumWidth), widest + besides));
     return size;
+}
+
+int RecorderField::pixels(double points) const {
+    constexpr double pointsOfText = 13;
+    return static_cast<int>(points * fontInfo().pixelSize() / pointsOfText);
 }
 
 // What the field shows ------------------------------------------------------------------------------------------------
@@ -110,7 +115,14 @@ void RecorderField::setText(const std::string& text, const std::string& spoken) 
 
 void RecorderField::setPlaceholder(const std::string& text) { setPlaceholderText(qt(text)); }
 
-void RecorderField::showCancelButton(bool isShown) { cancelButton_->setVisible(isShown); }
+// The text stays in the middle: what the button takes at one side is left free at the other.
+void RecorderField::showCancelButton(bool isShown) {
+    cancelButton_->setVisible(isShown);
+    constexpr int aroundIcon = 6;
+    const int taken = style()->pixelMetric(QStyle::PM_LineEditIconSize, nullptr, this) + aroundIcon +
+                      style()->pixelMetric(QStyle::PM_LineEditIconMargin, nullptr, this);
+    setTextMargins(isShown ? taken : 0, 0, 0, 0);
+}
 
 void RecorderField::clickCancelButton() {
     setText("", "");
@@ -129,7 +141,9 @@ void RecorderField::runAlert(const RecorderAlert& alert, std::function<void(int)
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->setWindowModality(Qt::WindowModal);
     box->setWindowTitle(QGuiApplication::applicationDisplayName());
-    box->setIcon(QMessageBox::Warning);
+    box->setFont(window()->font());
+    box->setPalette(window()->palette());
+    box->setIconPixmap(programIcon(pixels(kIconSize)));
     box->setTextFormat(Qt::PlainText);
     box->setText(qt(alert.title));
     box->setInformativeText(qt(alert.informativeText));

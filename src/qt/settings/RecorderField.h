@@ -76,6 +76,7 @@ private:
     Verdict tell(const LocalEvent& event);
     void startRecording();
     void endEditing();
+    int pixels(double points) const;
 
     RecorderServices services_;
     QAction* cancelButton_;
