@@ -26,14 +26,13 @@ struct SettingRow {
     SettingValue defaultValue;
     SettingValue example;  // other than the default
     std::string_view meaning;
-    std::string_view readBy;                  // empty while nothing does
+    std::string_view readBy;
     std::span<const SettingCase> cases = {};  // of an enumeration
     std::optional<SettingRange> range = {};   // of a number
     std::optional<double> paneDefault = {};   // of the view of the control, where it is another
 };
 
 namespace settingsTable {
-inline constexpr std::string_view nobodyYet;
 inline constexpr std::span<const SettingCase> flavors = fuzzyMatchingFlavorCases;
 inline constexpr std::span<const SettingCase> styles = hazeOverWindowStyleCases;
 inline constexpr std::span<const SettingCase> colors = targetsColorCases;
@@ -85,7 +84,7 @@ inline constexpr auto settingRows = std::to_array<SettingRow>({
     {"allowCopyingOfTextAndMetadata", false, true, "enable the keys that copy", "KeyRouting"},
     {"allowCyclingThroughTargets", false, true, "next after the last Target is the first one", "TarvixEngine"},
     {"repositionMouseAfterClick", false, true, "put the pointer back after a click", "TarvixEngine"},
-    {"SUEnableAutomaticChecks", true, false, "look for updates", settingsTable::nobodyYet},
+    {"SUEnableAutomaticChecks", true, false, "look for updates once a day, in a build that has a feed of them", "UpdateMemory"},
 });
 // clang-format on
 

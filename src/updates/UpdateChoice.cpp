@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <compare>
 #include <cstddef>
 #include <optional>
 
@@ -29,9 +30,9 @@ bool isFor(const UpdateFile& file, const UpdateSystem& system) {
 bool isFor(const AppcastItem& item, const UpdateSystem& system) {
     // A system that tells no version is one that always has the newest.
     const bool isNewEnough = item.minimumSystemVersion.empty() || system.version.empty() ||
-                             compareVersions(system.version, item.minimumSystemVersion) >= 0;
+                             std::is_gteq(compareVersions(system.version, item.minimumSystemVersion));
     return item.channel.empty() && isVersion(item.version) && isNewEnough &&
-           compareVersions(item.version, system.programVersion) > 0 &&
+           std::is_gt(compareVersions(item.version, system.programVersion)) &&
            std::ranges::any_of(item.files, [&](const UpdateFile& file) { return isFor(file, system); });
 }
 
@@ -115,7 +116,8 @@ void cut(std::string& text) {
 UpdateChoice chooseUpdate(const Appcast& appcast, const UpdateSystem& system) {
     const AppcastItem* best = nullptr;
     for (const AppcastItem& item : appcast)
-        if (isFor(item, system) && (best == nullptr || compareVersions(item.version, best->version) > 0)) best = &item;
+        if (isFor(item, system) && (best == nullptr || std::is_gt(compareVersions(item.version, best->version))))
+            best = &item;
     if (best == nullptr) return UpToDate{};
     return examined(*best, fileOf(*best, system));
 }
@@ -123,8 +125,8 @@ UpdateChoice chooseUpdate(const Appcast& appcast, const UpdateSystem& system) {
 bool isTold(const UpdateChoice& choice, CheckReason reason, std::string_view skippedVersion) {
     if (reason == CheckReason::user) return true;
     const auto* update = std::get_if<AvailableUpdate>(&choice);
-    return update != nullptr && (skippedVersion.empty() ||
-                                 compareVersions(update->version, skippedVersion) != std::weak_ordering::equivalent);
+    return update != nullptr &&
+           (skippedVersion.empty() || std::is_neq(compareVersions(update->version, skippedVersion)));
 }
 
 std::string plainNotes(std::string_view notes) {

@@ -13,7 +13,7 @@
 namespace tarvix {
 
 // No release comes near it.
-constexpr std::uint64_t kLargestUpdate = 256 * 1024 * 1024;
+constexpr std::uint64_t kLargestUpdate = std::uint64_t{256} * 1024 * 1024;
 
 struct UpdateSystem {
     std::string programVersion;

@@ -1,6 +1,7 @@
 #include "updates/UpdatePackage.h"
 
 #include <algorithm>
+#include <compare>
 #include <cstddef>
 
 #include "updates/Version.h"
@@ -37,10 +38,11 @@ std::optional<UpdateRefusal> refusePackage(const PackageFields& package, std::st
                                            std::string_view programVersion) {
     if (package.name != kPackage) return UpdateRefusal::otherFile;
     const std::string_view version = upstreamVersion(package.version);
-    if (const auto order = compareVersions(version, programVersion); order <= 0)
-        return order < 0 ? UpdateRefusal::downgrade : UpdateRefusal::sameVersion;
+    if (const auto order = compareVersions(version, programVersion); std::is_lteq(order))
+        return std::is_lt(order) ? UpdateRefusal::downgrade : UpdateRefusal::sameVersion;
     // A version with a hyphen of its own has lost what follows it.
-    if (compareVersions(version, offeredVersion) != 0 && compareVersions(package.version, offeredVersion) != 0)
+    if (std::is_neq(compareVersions(version, offeredVersion)) &&
+        std::is_neq(compareVersions(package.version, offeredVersion)))
         return UpdateRefusal::otherFile;
     return std::nullopt;
 }

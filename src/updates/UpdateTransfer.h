@@ -8,7 +8,7 @@
 
 namespace tarvix {
 
-constexpr std::uint64_t kLargestFeed = 1024 * 1024;
+constexpr std::uint64_t kLargestFeed = std::uint64_t{1024} * 1024;
 
 // A feed tells no length: any is right up to the limit.
 constexpr std::optional<UpdateRefusal> refuseFeed(std::uint64_t received) {

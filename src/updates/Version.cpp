@@ -75,7 +75,7 @@ std::weak_ordering compareVersions(std::string_view left, std::string_view right
         const Part leftPart = takePart(left);
         const Part rightPart = takePart(right);
         if (leftPart.kind == Kind::none && rightPart.kind == Kind::none) return std::weak_ordering::equivalent;
-        if (const auto order = compareParts(leftPart, rightPart); order != 0) return order;
+        if (const auto order = compareParts(leftPart, rightPart); std::is_neq(order)) return order;
     }
 }
 

@@ -65,6 +65,7 @@ TEST(SettingsTable, EachRowIsSound) {
     for (const SettingRow& row : settingRows) {
         EXPECT_TRUE(keys.insert(row.key).second) << row.key;
         EXPECT_FALSE(row.meaning.empty()) << row.key;
+        EXPECT_FALSE(row.readBy.empty()) << row.key;
         EXPECT_EQ(row.example.index(), row.defaultValue.index()) << row.key;
         EXPECT_NE(row.example, row.defaultValue) << row.key;
         EXPECT_EQ(std::holds_alternative<std::string_view>(row.defaultValue), !row.cases.empty()) << row.key;
