@@ -41,6 +41,7 @@
 #include "qt/MilestoneFile.h"
 #include "qt/PaletteAppearance.h"
 #include "qt/PortalAppearance.h"
+#include "qt/ProgramIcon.h"
 #include "qt/QtApplication.h"
 #include "qt/QtNotificationCenter.h"
 #include "qt/QtPanels.h"
@@ -116,7 +117,7 @@ int run(RunningInstance& instance, std::unique_ptr<X11Windows> windows, const QP
     QtRunLoop runLoop;
     MilestoneFile milestones(qEnvironmentVariable("TARVIX_MILESTONES").toStdString());
     QtUserDefaults userDefaults(QtUserDefaults::standardPath());
-    QtApplication thisProgram(QtUserDefaults::standardPath(), environment);
+    QtApplication thisProgram(environment);
     QtPasteboard pasteboard;
     QtNotificationCenter notificationCenter;
     XdgAutostart loginItems(AutostartPlaces::standard());
@@ -213,6 +214,7 @@ int start(const command::Start& wanted, int count, char** arguments) {
     QApplication::setApplicationName("tarvix");
     QApplication::setApplicationDisplayName("Tarvix");
     QApplication::setDesktopFileName("org.tarvix.Tarvix");
+    QApplication::setWindowIcon(programIcon());
     QApplication::setQuitOnLastWindowClosed(false);
     return run(*instance, std::move(windows), environment, remains);
 }

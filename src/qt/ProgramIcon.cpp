@@ -17,4 +17,10 @@ QPixmap programIcon(int pixels) {
     return icon;
 }
 
+QIcon programIcon() {
+    QIcon icon;
+    for (const int pixels : {16, 24, 32, 48, 128}) icon.addPixmap(programIcon(pixels));
+    return icon;
+}
+
 }  // namespace tarvix

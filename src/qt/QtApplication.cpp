@@ -1,9 +1,6 @@
 #include "qt/QtApplication.h"
 
 #include <QApplication>
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
 #include <QProcess>
 #include <QShortcut>
 #include <QUrl>
@@ -14,12 +11,6 @@
 namespace tarvix {
 
 namespace {
-
-void makeIfMissing(const QString& path) {
-    QDir().mkpath(QFileInfo(path).path());
-    QFile file(path);
-    if (file.open(QIODevice::WriteOnly | QIODevice::NewOnly)) file.write("{}\n");
-}
 
 // What a text field and the like call their ways to edit.
 std::function<void()> edit(const char* way) {
@@ -49,8 +40,7 @@ void bindKeys(QWidget& window, const Menu& menu) {
 
 }  // namespace
 
-QtApplication::QtApplication(QString settingsPath, QProcessEnvironment environment)
-    : settingsPath_(std::move(settingsPath)), environment_(std::move(environment)) {}
+QtApplication::QtApplication(QProcessEnvironment environment) : environment_(std::move(environment)) {}
 
 QtApplication::~QtApplication() = default;
 
@@ -59,14 +49,9 @@ void QtApplication::onLastWindowClosed(std::function<void()> closed) {
 }
 
 void QtApplication::showSettingsWindow() {
-    if (!settings_ && makeSettings_) {
+    if (!settings_) {
         settings_ = makeSettings_();
         bindKeys(*settings_, mainMenu());
-    }
-    if (!settings_) {
-        makeIfMissing(settingsPath_);
-        open(settingsPath_);
-        return;
     }
     settings_->show();
     makeActive(*settings_);
@@ -91,20 +76,18 @@ void QtApplication::terminate() {
         qApp, [] { QCoreApplication::exit(); }, Qt::QueuedConnection);
 }
 
+// By the desktop's own opener instead of Qt's service, which would hand this program's environment on.
 bool QtApplication::openUrl(const std::string& url) {
     const QUrl address(QString::fromStdString(url), QUrl::StrictMode);
-    return address.isValid() && !address.isRelative() && open(address.toString(QUrl::FullyEncoded));
-}
-
-// The desktop's own opener instead of Qt's service, which would hand this program's environment on.
-bool QtApplication::open(const QString& what) {
+    if (!address.isValid() || address.isRelative()) return false;
     QProcess opener;
     opener.setProgram("xdg-open");
-    opener.setArguments({what});
+    opener.setArguments({address.toString(QUrl::FullyEncoded)});
     opener.setProcessEnvironment(environment_);
     opener.setStandardOutputFile(QProcess::nullDevice());
     opener.setStandardErrorFile(QProcess::nullDevice());
-    if (!opener.startDetached()) std::fprintf(stderr, "tarvix: no xdg-open to open %s with\n", qUtf8Printable(what));
+    if (!opener.startDetached())
+        std::fprintf(stderr, "tarvix: no xdg-open to open %s with\n", qUtf8Printable(address.toString()));
     return true;
 }
 

@@ -14,12 +14,11 @@ class QtApplication : public Application {
 public:
     // `environment` is what other programs are started with: this one's own has been changed for the sake of its
     // panels.
-    QtApplication(QString settingsPath, QProcessEnvironment environment);
+    explicit QtApplication(QProcessEnvironment environment);
     ~QtApplication() override;
 
     // Where the settings window comes from when it is first shown. It is kept, and the keys of the main menu work in
-    // it. What it is made of must outlive this, or it is dropped before. Without one the settings' file is opened with
-    // whatever the desktop opens such files with; an empty one is made where there is none.
+    // it. What it is made of must outlive this, or it is dropped before.
     void setSettingsWindow(std::function<std::unique_ptr<QWidget>()> make) { makeSettings_ = std::move(make); }
     void dropSettingsWindow() { settings_.reset(); }
     // The user has closed the last ordinary window.
@@ -35,9 +34,6 @@ public:
     Menu mainMenu() override;
 
 private:
-    bool open(const QString& what);
-
-    QString settingsPath_;
     QProcessEnvironment environment_;
     std::function<std::unique_ptr<QWidget>()> makeSettings_;
     std::unique_ptr<QWidget> settings_;

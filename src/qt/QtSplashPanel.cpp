@@ -29,7 +29,7 @@ constexpr double kBelowText = 18;
 constexpr double kBetweenButtons = 4;
 constexpr double kBesideButtonText = 8;
 
-constexpr float kOpacity = 0.94F;  // where windows are blended
+constexpr float kOpacity = 0.97F;  // where windows are blended
 constexpr std::uint32_t kEveryDesktop = 0xffffffff;
 
 QString textOf(std::string_view from) { return QString::fromUtf8(from.data(), static_cast<qsizetype>(from.size())); }

@@ -39,33 +39,33 @@ protected:
 
     QTemporaryDir folder;
     const QByteArray path = qgetenv("PATH");
-    const QString note = folder.filePath("note"), settings = folder.filePath("folder/tarvix.json");
+    const QString note = folder.filePath("note");
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    QtApplication program{settings, environment};
+    QtApplication program{environment};
 };
 
 TEST_F(QtApplicationTest, AnAddressIsOpenedInTheGivenEnvironment) {
-    EXPECT_TRUE(QtApplication(settings, environment).openUrl("https://example.org/?q=a%20b&c=%F0%9F%98%80"));
+    EXPECT_TRUE(QtApplication(environment).openUrl("https://example.org/?q=a%20b&c=%F0%9F%98%80"));
     ASSERT_TRUE(runUntil([&] { return QFile::exists(note); }));
     EXPECT_EQ(contentOf(note), "1|https://example.org/?q=a%20b&c=%F0%9F%98%80|started");
 }
 
 TEST_F(QtApplicationTest, WhatIsNoAddressIsNotOpened) {
     for (const char* text : {"", "nowhere", "/etc/passwd", "--help", "https://exa mple.org/", "http://[::1/", "%zz:"})
-        EXPECT_FALSE(QtApplication(settings, environment).openUrl(text)) << text;
+        EXPECT_FALSE(QtApplication(environment).openUrl(text)) << text;
     EXPECT_FALSE(QFile::exists(note));
 }
 
 TEST_F(QtApplicationTest, WithoutAnOpenerALineTellsSo) {
     qputenv("PATH", folder.filePath("nowhere").toUtf8());
     testing::internal::CaptureStderr();
-    EXPECT_TRUE(QtApplication(settings, environment).openUrl("mailto:somebody@example.org"));
+    EXPECT_TRUE(QtApplication(environment).openUrl("mailto:somebody@example.org"));
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "tarvix: no xdg-open to open mailto:somebody@example.org with\n");
 }
 
 TEST_F(QtApplicationTest, ItsMenusAreThoseOfTheDesktop) {
     std::vector<std::string> entries;
-    for (const MenuItem& menu : QtApplication(settings, environment).mainMenu())
+    for (const MenuItem& menu : QtApplication(environment).mainMenu())
         for (const MenuItem& entry : menu.submenu) {
             entries.push_back(menu.title + "/" + entry.title + " " + entry.keyEquivalent);
             EXPECT_EQ(entry.keyEquivalentModifierMask, eventFlag::command);
