@@ -15,13 +15,28 @@ KeyboardShortcuts::KeyboardShortcuts(UserDefaults& userDefaults, HotKeys& hotKey
 
 void KeyboardShortcuts::define(const Name& name) {
     if (name.defaultShortcut && !userDefaults_.get(storeKey(name))) setShortcut(name.defaultShortcut, name);
+    followed_[name] = getShortcut(name);
     initialize();
 }
 
 void KeyboardShortcuts::initialize() {
     if (isInitialized_) return;
     menuTracking_ = hotKeys_.onMenuTracking([this](MenuTracking now) { setMenuOpen(now == MenuTracking::began); });
+    store_ = userDefaults_.onChange([this](std::string_view key) { storeChanged(key); });
     isInitialized_ = true;
+}
+
+// Our own changes are noted before they are written, and are none here.
+void KeyboardShortcuts::storeChanged(std::string_view key) {
+    for (auto& [name, followed] : followed_) {
+        if (!key.empty() && key != storeKey(name)) continue;
+        const auto present = getShortcut(name);
+        if (present == followed) continue;
+        if (followed) unregisterShortcut(*followed);
+        if (present) registerShortcut(*present);
+        followed = present;
+        shortcutByNameDidChange_(name);
+    }
 }
 
 void KeyboardShortcuts::setMenuOpen(bool isMenuOpen) {
@@ -53,6 +68,7 @@ void KeyboardShortcuts::setShortcut(const std::optional<Shortcut>& shortcut, con
 void KeyboardShortcuts::replaceShortcut(const Shortcut& shortcut, const Name& name) {
     if (const auto present = getShortcut(name)) unregisterShortcut(*present);
     registerShortcut(shortcut);
+    followed_[name] = shortcut;
     userDefaults_.set(storeKey(name), encoded(shortcut));
     shortcutByNameDidChange_(name);
 }
@@ -60,6 +76,7 @@ void KeyboardShortcuts::replaceShortcut(const Shortcut& shortcut, const Name& na
 void KeyboardShortcuts::clearShortcut(const Name& name) {
     const auto present = getShortcut(name);
     if (!present) return;
+    followed_[name].reset();
     if (name.defaultShortcut)
         userDefaults_.set(storeKey(name), false);
     else

@@ -27,7 +27,7 @@ public:
     KeyboardShortcuts& operator=(const KeyboardShortcuts&) = delete;
 
     // To be called once for each name before its other uses: stores its default, and takes that hot key, where the
-    // store has nothing at all under the name.
+    // store has nothing at all under the name. From then on the hot key follows the store, whoever writes to it.
     void define(const Name& name);
 
     // Absent when the user has cleared it, and for anything in the store that isn't a shortcut.
@@ -58,7 +58,7 @@ public:
     // The shortcuts that the desktop itself has taken, as far as it says. May last a second or more. Any thread.
     std::vector<Shortcut> systemReservedShortcuts() { return carbon_.systemReservedShortcuts(); }
 
-    // A name's shortcut has been set or cleared here.
+    // A name's shortcut has been set or cleared, here or by another writer.
     [[nodiscard]] Subscription onShortcutByNameDidChange(std::function<void(const Name& name)> changed) {
         return shortcutByNameDidChange_.add(std::move(changed));
     }
@@ -67,6 +67,7 @@ private:
     using Handlers = std::map<Name, std::vector<Handler>>;
 
     void initialize();
+    void storeChanged(std::string_view key);
     void setMenuOpen(bool isMenuOpen);
     void updateEventHandler();
     void replaceShortcut(const Shortcut& shortcut, const Name& name);
@@ -82,12 +83,14 @@ private:
     CarbonKeyboardShortcuts carbon_;
     // Those that a hot key was asked for, had or not.
     std::set<Shortcut> registeredShortcuts_;
+    // What the hot key of each defined name goes by.
+    std::map<Name, std::optional<Shortcut>> followed_;
     Handlers keyDownHandlers_;
     Handlers keyUpHandlers_;
     bool isEnabled_ = true;
     bool isMenuOpen_ = false;
     bool isInitialized_ = false;
-    Subscription menuTracking_;
+    Subscription menuTracking_, store_;
     Listeners<const Name&> shortcutByNameDidChange_;
     Listeners<const Shortcut&> pressedWhilePaused_;
 };

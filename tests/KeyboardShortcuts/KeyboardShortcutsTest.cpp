@@ -446,6 +446,52 @@ TEST_F(KeyboardShortcutsTest, APressIsDispatchedByWhatTheStoreSaysAtThatMoment) 
     EXPECT_EQ(journal, (Journal{"toggled", "toggled"}));
 }
 
+TEST_F(KeyboardShortcutsTest, TheHotKeyFollowsWhatAnotherWriterStores) {
+    shortcuts.define(toggleWith);
+    shortcuts.onKeyDown(toggleWith, writes("toggled"));
+    const Subscription told =
+        shortcuts.onShortcutByNameDidChange([&](const ShortcutName& name) { journal.push_back(name.rawValue); });
+    defaults.setFromOutside(toggleKey, Value(encoded(controlAShortcut)));
+    EXPECT_EQ(held(), std::vector{controlA});
+    hotKeys.press(controlA);
+    EXPECT_EQ(journal, (Journal{"toggleWith", "toggled"}));
+}
+
+TEST_F(KeyboardShortcutsTest, WhatAnotherWriterClearsOrSpoilsIsGivenUpAndTheDefaultStaysAway) {
+    shortcuts.define(toggleWith);
+    for (const Value& value : {Value(false), Value(std::string("{}")), Value(1.0)}) {
+        defaults.setFromOutside(toggleKey, value);
+        EXPECT_TRUE(held().empty());
+        defaults.setFromOutside(toggleKey, Value(encoded(controlAShortcut)));
+        EXPECT_EQ(held(), std::vector{controlA});
+    }
+    defaults.remove(toggleKey);
+    EXPECT_TRUE(held().empty());
+    EXPECT_EQ(defaults.get(toggleKey), std::nullopt);
+}
+
+TEST_F(KeyboardShortcutsTest, AChangeOfAnythingElseLeavesTheHotKeyAlone) {
+    shortcuts.define(toggleWith);
+    const auto ids = heldIds();
+    const Subscription told =
+        shortcuts.onShortcutByNameDidChange([&](const ShortcutName& name) { journal.push_back(name.rawValue); });
+    defaults.set("targetsColor", Value(std::string("custom")));
+    defaults.setFromOutside("inputTextSize", Value(20.0));
+    defaults.setFromOutside(toggleKey, Value(encoded(*toggleWith.defaultShortcut)));
+    EXPECT_EQ(heldIds(), ids);
+    EXPECT_TRUE(journal.empty());
+}
+
+TEST_F(KeyboardShortcutsTest, AChangeMadeHereIsToldOnce) {
+    shortcuts.define(toggleWith);
+    const Subscription told =
+        shortcuts.onShortcutByNameDidChange([&](const ShortcutName& name) { journal.push_back(name.rawValue); });
+    shortcuts.setShortcut(controlAShortcut, toggleWith);
+    shortcuts.setShortcut(std::nullopt, toggleWith);
+    EXPECT_EQ(journal, (Journal{"toggleWith", "toggleWith"}));
+    EXPECT_TRUE(held().empty());
+}
+
 TEST_F(KeyboardShortcutsTest, TwoNamesWithOneShortcutShareItsHotKey) {
     shortcuts.define(toggleWith);
     shortcuts.setShortcut(toggleWith.defaultShortcut, plainName);
