@@ -40,7 +40,7 @@ ServedReply redirect(const QByteArray& location) {
 }
 
 TlsServer::TlsServer() {
-    const QString key = folder_.filePath("key"), certificate = folder_.filePath("certificate");
+    const QString key = folder_.filePath("key"), certificate = certificateFile();
     run("openssl",
         {"req", "-x509", "-newkey", "ec", "-pkeyopt", "ec_paramgen_curve:prime256v1", "-nodes", "-days", "2", "-subj",
          "/CN=updates of a test", "-addext", "subjectAltName=IP:127.0.0.1", "-keyout", key, "-out", certificate});

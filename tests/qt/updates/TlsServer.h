@@ -31,6 +31,7 @@ public:
 
     QByteArray address(const QByteArray& path) const;
     QSslConfiguration clientTrust() const;
+    QString certificateFile() const { return folder_.filePath("certificate"); }
 
     void serve(const QByteArray& path, ServedReply reply) { replies_[path] = std::move(reply); }
     // The paths that were asked for, in order.
