@@ -1,5 +1,7 @@
 #include "linux/atspi/AtspiService.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 
 #include "linux/atspi/AccessibilitySwitch.h"
@@ -115,6 +117,8 @@ AxResult<AxValue> AtspiService::systemAttribute(std::string_view name) {
 
 AxResult<AxValue> AtspiService::focusedIn(const std::optional<X11Window>& window) {
     if (!window) return {AxStatus::noValue, {}};
+    // A window of our own would be answered for by the thread that asks.
+    if (window->pid == getpid()) return {AxStatus::noValue, {}};
     FetchOptions options;
     options.limit = kSingleRead;
     options.waitsForTree = false;

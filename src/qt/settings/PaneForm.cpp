@@ -114,6 +114,12 @@ int PaneForm::idealHeight(int width) const {
     return grid_->hasHeightForWidth() ? grid_->totalHeightForWidth(width) : grid_->totalSizeHint().height();
 }
 
+bool PaneForm::event(QEvent* event) {
+    const bool result = QWidget::event(event);
+    if (event->type() == QEvent::LayoutRequest && onLayout) onLayout();
+    return result;
+}
+
 void PaneForm::add(const Section& section, bool isFirst) {
     if (section.hasDividerAbove) {
         add(Divider{});

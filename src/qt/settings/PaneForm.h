@@ -30,6 +30,11 @@ public:
     int idealWidth() const;
     int idealHeight(int width) const;
 
+    std::function<void()> onLayout;  // both may be others now
+
+protected:
+    bool event(QEvent* event) override;
+
 private:
     struct EndLabels {
         int least = 0, most = 0;  // width in pixels

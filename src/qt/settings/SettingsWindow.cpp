@@ -81,6 +81,7 @@ void SettingsWindow::makePanes() {
     panes_.clear();
     for (const Tab& tab : tabs_) {
         auto* pane = new PaneForm(tab.pane, tabs_, services_, look_, style_);
+        pane->onLayout = [this] { fit(); };
         auto* scroller = new QScrollArea;
         scroller->setFrameShape(QFrame::NoFrame);
         scroller->setMinimumHeight(1);  // a pane may be lower than two scroll buttons
@@ -99,7 +100,6 @@ void SettingsWindow::makePanes() {
 void SettingsWindow::storeChanged() {
     if (!isVisible()) return;
     for (PaneForm* pane : panes_) pane->refresh();
-    fit();
 }
 
 void SettingsWindow::turnTab(int by) {
@@ -112,22 +112,31 @@ void SettingsWindow::choosePane(int index) {
     fit();
 }
 
+int SettingsWindow::heightWith(const PaneForm& pane, int width) const {
+    return band_->sizeHint().height() + line_->height() + pane.idealHeight(width);
+}
+
 // All panes are of one width, and each has the height of its own.
 void SettingsWindow::fit() {
     if (panes_.empty()) return;
     int width = 0;
     for (const PaneForm* pane : panes_) width = std::max(width, pane->idealWidth());
-    const PaneForm& pane = *panes_[static_cast<std::size_t>(row_->currentIndex())];
-    const int above = band_->sizeHint().height() + line_->height();
-    const int wanted = above + pane.idealHeight(width);
-    const int most = screen()->availableGeometry().height() - look_.pixels(kTitleBar);
+    const int wanted = heightWith(*panes_[static_cast<std::size_t>(row_->currentIndex())], width);
+    const QRect available = screen()->availableGeometry();
+    const int most = available.height() - look_.pixels(kTitleBar);
     const int bar = wanted > most ? style_.pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, this) : 0;
     setFixedSize(width + bar, std::min(wanted, most));
+    const int below = frameGeometry().bottom() - available.bottom();
+    if (isVisible() && below > 0) move(pos() - QPoint(0, below));
 }
 
+// The highest of the panes is in the middle, so that the tabs stay where they are.
 void SettingsWindow::centre() {
     const QRect available = screen()->availableGeometry();
-    move(available.center() - rect().center());
+    int highest = 0;
+    for (const PaneForm* pane : panes_) highest = std::max(highest, heightWith(*pane, width()));
+    move(available.center().x() - width() / 2,
+         std::max(available.top(), available.center().y() - (highest + look_.pixels(kTitleBar)) / 2));
 }
 
 // What was changed while it was hidden shows, and the keyboard stands at the tabs: a recorder that got it would record.
@@ -145,12 +154,6 @@ void SettingsWindow::keyPressEvent(QKeyEvent* event) {
         close();
     else
         QWidget::keyPressEvent(event);
-}
-
-// A control may have grown since, by a longer text below it.
-bool SettingsWindow::event(QEvent* event) {
-    if (event->type() == QEvent::LayoutRequest) fit();
-    return QWidget::event(event);
 }
 
 }  // namespace tarvix

@@ -24,7 +24,6 @@ public:
 protected:
     void showEvent(QShowEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
-    bool event(QEvent* event) override;
 
 private:
     void makePanes();
@@ -32,6 +31,7 @@ private:
     void storeChanged();
     void turnTab(int by);
     void choosePane(int index);
+    int heightWith(const PaneForm& pane, int width) const;
     void fit();
     void centre();
 

@@ -84,6 +84,37 @@ GallerySection dimming() {
     return section;
 }
 
+GallerySection settingsWindow() {
+    GallerySection section{
+        "The settings",
+        "One window, whose controls apply at once; what they change of the looks shows itself on the "
+        "desktop for a moment.",
+        2,
+        {}};
+    const auto add = [&](const char* name, const char* caption, int tab, GalleryScene scene) -> GalleryPicture& {
+        GalleryPicture picture;
+        picture.name = name;
+        picture.caption = caption;
+        picture.scene = scene;
+        picture.settings = {{"targetsColor", "custom"}};
+        picture.inSettings.emplace(static_cast<std::size_t>(tab), Chord{keysym::control, keysym::tab});
+        section.pictures.push_back(std::move(picture));
+        return section.pictures.back();
+    };
+    add("settings-general", "General", 0, GalleryScene::light);
+    add("settings-search", "Search", 1, GalleryScene::light);
+    add("settings-looks", "Looks", 2, GalleryScene::light);
+    add("settings-position", "Position", 3, GalleryScene::light);
+    add("settings-extra", "Extra", 4, GalleryScene::light);
+    add("settings-looks-dark", "Looks, dark", 2, GalleryScene::dark);
+    add("settings-search-dark", "Search, dark", 1, GalleryScene::dark);
+    GalleryPicture& scaled =
+        add("settings-search-scaled", "Search on a desktop scaled to 200 %, at half its size", 1, GalleryScene::light);
+    scaled.scale = 2;
+    scaled.percent = 50;
+    return section;
+}
+
 GalleryPicture inspector(const char* name, GalleryScene scene) {
     GalleryPicture picture;
     picture.name = name;
@@ -106,6 +137,29 @@ GalleryPicture overview(const char* name, const char* caption, GalleryScene scen
     return picture;
 }
 
+GallerySection alerts() {
+    GallerySection section{
+        "A shortcut that is taken",
+        "What the recorder of the settings says, in the user's language: of an entry of Tarvix's own "
+        "menu, and of a key that the desktop uses.",
+        2,
+        {}};
+    const auto add = [&](const char* name, const char* caption, const char* locale, const Chord& taken) {
+        GalleryPicture picture;
+        picture.name = name;
+        picture.caption = caption;
+        picture.inSettings = {{keysym::tab}, taken};
+        picture.locale = locale;
+        section.pictures.push_back(std::move(picture));
+    };
+    const Chord settings{keysym::super, ','}, taken{keysym::alt, keysym::f4};
+    add("alert-menu", "Super+Comma", "en_US.UTF-8", settings);
+    add("alert-system", "Alt+F4", "en_US.UTF-8", taken);
+    add("alert-menu-de", "in German", "de_DE.UTF-8", settings);
+    add("alert-system-de", "in German", "de_DE.UTF-8", taken);
+    return section;
+}
+
 std::vector<GallerySection> allSections() {
     GalleryPicture lightInspector = inspector("inspector", GalleryScene::light);
     lightInspector.caption = "light";
@@ -122,10 +176,12 @@ std::vector<GallerySection> allSections() {
         markers(),
         presets(),
         dimming(),
+        settingsWindow(),
         {"The inspector",
          "During a search it tells what is known of the control below the pointer, whether it matches or not.",
          2,
          {lightInspector, darkInspector}},
+        alerts(),
         {"Light and dark",
          "Panels follow the appearance of the desktop as it changes.",
          2,

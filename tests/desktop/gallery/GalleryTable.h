@@ -1,6 +1,7 @@
 // What the gallery shows: each picture with all that is needed to take it.
 #pragma once
 
+#include <cstdint>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
@@ -23,6 +24,8 @@ struct ScreenPart {
     int x = 0, y = 0, width = 0, height = 0;
 };
 
+using Chord = std::vector<std::uint32_t>;  // keysyms
+
 struct GalleryPicture {
     std::string name;     // of the file, without .png
     std::string caption;  // in the page, as Markdown
@@ -32,8 +35,13 @@ struct GalleryPicture {
     std::string query;
     int moves = 0;                       // of the Primary Target
     std::optional<ScreenPoint> pointer;  // brings up the inspector there
-    ScreenPart part;                     // of the screen
-    int percent = 100;                   // of its size
+    // Instead of a search: the settings' window, in which these keys are pressed one chord after the other. The part of
+    // the screen is that window then.
+    std::optional<std::vector<Chord>> inSettings = std::nullopt;
+    std::string locale = {};  // of the user, where it matters
+    int scale = 1;            // of the desktop
+    ScreenPart part;          // of the screen
+    int percent = 100;        // of its size
 };
 
 struct GallerySection {

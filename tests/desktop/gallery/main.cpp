@@ -7,11 +7,13 @@
 #include <fstream>
 #include <functional>
 #include <iterator>
+#include <memory>
 #include <optional>
 #include <sstream>
 #include <string>
 #include <thread>
 
+#include "linux/x11/X11Windows.h"
 #include "tests/desktop/gallery/Desk.h"
 #include "tests/desktop/gallery/GalleryPage.h"
 #include "tests/desktop/gallery/GalleryTable.h"
@@ -26,9 +28,11 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr ScreenPoint kAside{4, 1000};  // where the pointer is over no window
+constexpr ScreenPoint kSettingsPlace{600, 300}, kScaledSettingsPlace{200, 60};
 
 constexpr const char* kUsage =
-    "usage: play_gallery take SCENE TARVIX TOOLS FOLDER    takes the pictures of a scene, on the desktop of $DISPLAY\n"
+    "usage: play_gallery take SCENE TARVIX TOOLS FOLDER [NAME]    takes the pictures of a scene, on the desktop of\n"
+    "                                                             $DISPLAY; of these only whose name begins so\n"
     "       play_gallery page                              prints the page\n"
     "       play_gallery check DOCUMENTS                   says what is amiss with the page and its pictures\n";
 
@@ -64,6 +68,16 @@ void makeDark() {
     setenv("ADW_DEBUG_COLOR_SCHEME", "prefer-dark", 1);  // some applications ask the desktop's portal alone
 }
 
+// The desktop uses Alt+F4, says its configuration; the recorder of the settings looks there. The window manager has
+// read it before and leaves the key alone, so that it can be recorded.
+void takeAltF4() {
+    const std::string path = configurationFolder() + "/openbox/rc.xml";
+    std::ifstream file(path);
+    const std::string configuration{std::istreambuf_iterator<char>(file), {}};
+    write(path, replaced(configuration, "<keyboard/>",
+                         R"(<keyboard><keybind key="A-F4"><action name="Close"/></keybind></keyboard>)"));
+}
+
 bool makeMonitors(const std::vector<ScreenPart>& monitors) {
     for (std::size_t i = 0; i < monitors.size(); ++i) {
         const ScreenPart& part = monitors[i];
@@ -86,14 +100,20 @@ int differing(const ScreenImage& a, const ScreenImage& b, const ScreenPart& part
 
 class Photographer {
 public:
-    Photographer(GalleryScene scene, std::string program, std::string tools, std::string folder)
-        : scene_(scene), program_(std::move(program)), tools_(std::move(tools)), folder_(std::move(folder)) {}
+    // Of the scene's pictures those whose name begins with `wanted`.
+    Photographer(GalleryScene scene, std::string program, std::string tools, std::string folder, std::string wanted)
+        : scene_(scene),
+          program_(std::move(program)),
+          tools_(std::move(tools)),
+          folder_(std::move(folder)),
+          wanted_(std::move(wanted)) {}
 
     bool takeAll() {
         if (configurationFolder().empty()) return fail("XDG_CONFIG_HOME is not set; tools/gallery sets it");
         const bool isDark = scene_ == GalleryScene::dark;
         const std::vector<ScreenPart> monitors = galleryMonitors(scene_);
         if (isDark) makeDark();
+        takeAltF4();
         if (monitors.size() > 1 && !makeMonitors(monitors)) return fail("the monitors can't be made");
         const Backdrop backdrop(monitors, isDark ? 0x2b3440 : 0x8fb3cf, isDark ? 0x171c24 : 0x4f7396);
         for (const auto application : {GalleryApplication::widgetFactory, GalleryApplication::calculator})
@@ -107,7 +127,7 @@ private:
         if (!start(application)) return false;
         for (const GallerySection& section : gallery())
             for (const GalleryPicture& picture : section.pictures) {
-                if (picture.scene != scene_ || picture.application != application) continue;
+                if (!isWanted(picture) || picture.application != application) continue;
                 if (!take(picture)) return fail("no picture " + picture.name);
                 std::printf("  %s.png\n", picture.name.c_str());
                 std::fflush(stdout);
@@ -119,8 +139,12 @@ private:
     bool isNeeded(GalleryApplication application) const {
         for (const GallerySection& section : gallery())
             for (const GalleryPicture& picture : section.pictures)
-                if (picture.scene == scene_ && picture.application >= application) return true;
+                if (isWanted(picture) && picture.application >= application) return true;
         return false;
+    }
+
+    bool isWanted(const GalleryPicture& picture) const {
+        return picture.scene == scene_ && picture.name.starts_with(wanted_);
     }
 
     bool start(GalleryApplication application) const {
@@ -136,14 +160,48 @@ private:
     bool take(const GalleryPicture& picture) {
         write(configurationFolder() + "/tarvix/tarvix.json", picture.settings.dump());
         keyboard_.movePointer(kAside);
-        Program program(program_);
+        Process::Environment environment;
+        if (!picture.locale.empty()) environment = {{"LANG", picture.locale}, {"LC_ALL", std::nullopt}};
+        if (picture.scale > 1) environment["GDK_SCALE"] = std::to_string(picture.scale);
+        Program program(program_, environment);
         if (!program.isReady()) return fail("Tarvix did not become ready");
+        if (picture.inSettings) return takeSettings(picture);
         const auto before = screenAtRest(picture.part, nullptr);
         if (!before) return fail("the screen doesn't come to rest");
         if (!search(program, picture)) return false;
         const auto shown = screenAtRest(picture.part, &*before);
         if (!shown || !save(*shown, picture)) return fail("nothing can be seen of the search");
         return program.press(keyboard_, keysym::escape, milestone::inputHidden) || fail("The Input stays");
+    }
+
+    bool takeSettings(GalleryPicture picture) {
+        if (Process({program_}).waitForEnd(10s) != 0) return fail("the second start did not end");
+        std::optional<X11Window> window;
+        const bool isInFront = await(5s, [&] {
+            window = windows_->active();
+            return window && window->title.starts_with("Settings");
+        });
+        if (!isInFront || !moveWindow(window->number, picture.scale > 1 ? kScaledSettingsPlace : kSettingsPlace))
+            return fail("no settings window");
+        picture.part = withFrame(window->number);
+        auto shown = screenAtRest(picture.part, nullptr);
+        for (const Chord& chord : *picture.inSettings) {
+            if (!shown) return fail("the settings don't come to rest");
+            keyboard_.chord(chord);
+            shown = screenAtRest(picture.part, &*shown);
+        }
+        picture.part = withFrame(window->number);  // a tab has its own height
+        return (shown && save(*shown, picture)) || fail("nothing can be seen of the settings");
+    }
+
+    ScreenPart withFrame(std::uint32_t number) {
+        const auto window = windows_->window(number);
+        if (!window) return {};
+        const X11Window::Extents frame = window->frameExtents.value_or(X11Window::Extents{});
+        return {static_cast<int>(window->client.minX() - frame.left),
+                static_cast<int>(window->client.minY() - frame.top),
+                static_cast<int>(window->client.width() + frame.left + frame.right),
+                static_cast<int>(window->client.height() + frame.top + frame.bottom)};
     }
 
     bool search(Program& program, const GalleryPicture& picture) {
@@ -195,14 +253,15 @@ private:
     }
 
     const GalleryScene scene_;
-    const std::string program_, tools_, folder_;
+    const std::string program_, tools_, folder_, wanted_;
+    const std::unique_ptr<X11Windows> windows_ = std::move(X11Windows::open().value());
     Keyboard keyboard_;
 };
 
-int take(const std::string& scene, const char* program, const char* tools, const char* folder) {
+int take(const std::string& scene, const char* program, const char* tools, const char* folder, const char* wanted) {
     for (std::size_t i = 0; i < std::size(galleryScenes); ++i)
         if (scene == galleryScenes[i])
-            return Photographer(static_cast<GalleryScene>(i), program, tools, folder).takeAll() ? 0 : 1;
+            return Photographer(static_cast<GalleryScene>(i), program, tools, folder, wanted).takeAll() ? 0 : 1;
     fail("no scene " + scene);
     return 2;
 }
@@ -218,7 +277,8 @@ int check(const char* documents) {
 
 int main(int count, char** words) {
     const std::string what = count > 1 ? words[1] : "";
-    if (what == "take" && count == 6) return tarvix::take(words[2], words[3], words[4], words[5]);
+    if (what == "take" && (count == 6 || count == 7))
+        return tarvix::take(words[2], words[3], words[4], words[5], count == 7 ? words[6] : "");
     if (what == "page" && count == 2) return std::fputs(tarvix::galleryPage().c_str(), stdout) < 0;
     if (what == "check" && count == 3) return tarvix::check(words[2]);
     std::fputs(tarvix::kUsage, stderr);

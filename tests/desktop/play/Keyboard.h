@@ -13,7 +13,7 @@ namespace tarvix {
 namespace keysym {
 inline constexpr std::uint32_t shift = 0xffe1, control = 0xffe3, alt = 0xffe9, super = 0xffeb;
 inline constexpr std::uint32_t returnKey = 0xff0d, escape = 0xff1b, tab = 0xff09, space = 0x20;
-inline constexpr std::uint32_t keypadEnter = 0xff8d;
+inline constexpr std::uint32_t keypadEnter = 0xff8d, f4 = 0xffc1;
 inline constexpr std::uint32_t home = 0xff50, up = 0xff52, down = 0xff54, end = 0xff57;
 inline constexpr std::uint32_t pageUp = 0xff55, pageDown = 0xff56;
 }  // namespace keysym
