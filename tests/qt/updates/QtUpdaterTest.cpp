@@ -708,8 +708,8 @@ TEST_F(QtUpdaterTest, EveryWordHasRoom) {
     const auto expectRoom = [] {
         QCoreApplication::processEvents();
         for (auto* label : window()->findChildren<QLabel*>())
-            if (label->isVisible() && !label->text().isEmpty())
-                EXPECT_GE(label->height(), label->heightForWidth(label->width())) << label->text().toStdString();
+            EXPECT_TRUE(!label->isVisible() || label->height() >= label->heightForWidth(label->width()))
+                << label->text().toStdString();
     };
     start().checkForUpdates();
     ASSERT_TRUE(shows("A new version"));
