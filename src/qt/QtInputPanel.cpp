@@ -12,6 +12,7 @@
 #include "base/Listeners.h"
 #include "qt/AfterTheInput.h"
 #include "qt/ContinuousCorners.h"
+#include "qt/FocusKeeper.h"
 #include "qt/InputField.h"
 #include "qt/KeyPace.h"
 #include "qt/ProgressSpinner.h"
@@ -250,7 +251,7 @@ public:
 
     void makeKeyAndOrderFront() override {
         orderFrontRegardless();
-        if (!hasKeyboard_) hasKeyboard_ = services_.windowing.takeKeyboard(number(), [this] { lostKeyboard(); });
+        if (!hasKeyboard_) setHasKeyboard(services_.windowing.takeKeyboard(number(), [this] { lostKeyboard(); }));
         services_.windowing.readyForKeyPress();
         if (!hasKeyboard_) QTimer::singleShot(0, &window_, [this] { resigned_(); });
     }
@@ -267,7 +268,7 @@ public:
     void orderOut() override {
         const bool wasVisible = window_.isVisible();
         if (hasKeyboard_) services_.windowing.releaseKeyboard();
-        hasKeyboard_ = false;
+        setHasKeyboard(false);
         if (wasVisible) window_.field().dropComposition();
         window_.hide();
         syncWithServer();  // a click posted next must find the panel gone
@@ -350,13 +351,19 @@ private:
             Qt::QueuedConnection);
     }
 
+    void setHasKeyboard(bool has) {
+        hasKeyboard_ = has;
+        focus_.setPanelHasKeyboard(has);
+    }
+
     void lostKeyboard() {
-        hasKeyboard_ = false;
+        setHasKeyboard(false);
         resigned_();
     }
 
     PanelServices services_;
     InputWindow window_;
+    FocusKeeper focus_{window_};
     KeyPace pace_;
     InputLook look_;
     PanelRect frame_;

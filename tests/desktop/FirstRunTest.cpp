@@ -91,6 +91,13 @@ protected:
             return window && active && active->number == window->number;
         });
     }
+    // From now on, for a while.
+    bool isActiveFor(std::uint32_t window, std::chrono::milliseconds time) {
+        return !await(time, [&] {
+            const auto active = windows_->active();
+            return !active || active->number != window;
+        });
+    }
     bool goes(const std::string& title) {
         return await(kLimit, [&] { return !windowOf(title); });
     }
@@ -105,6 +112,15 @@ protected:
                        XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
                        reinterpret_cast<const char*>(&wish));
         x_->sync();
+    }
+
+    // What the program has told so far.
+    std::string history() const {
+        std::string told;
+        for (const Moment& each : program_->log().all())
+            told +=
+                "\n" + std::to_string(each.microseconds / 1000) + " " + each.name + " " + std::to_string(each.count);
+        return told;
     }
 
     const std::unique_ptr<X11Windows> windows_ = std::move(X11Windows::open().value());
@@ -143,9 +159,12 @@ TEST_F(FirstRunTest, ReturnGrantsThePrivilegeAndTheSettingsComeAndTheShortcutWor
     EXPECT_TRUE(await(kLimit, [] { return isEnabled(); }));
     expectItRunsAgain(granting);
 
-    askForActivation(*x_, fixture.window());
-    x_->sync();
-    ASSERT_TRUE(becomesActive(*windows_, fixture.window()));
+    // Asked again, as the settings' own wish to be active may come to the window manager only now.
+    ASSERT_TRUE(await(kLimit, [&] {
+        askForActivation(*x_, fixture.window());
+        x_->sync();
+        return isActiveFor(fixture.window(), 300ms);
+    }));
     const Program::Step opened = program_->pressHotKey(keyboard_);
     ASSERT_TRUE(program_->reached(milestone::candidatesRead, opened.pressed, kLimit));
     ASSERT_TRUE(program_->type(keyboard_, "elder"));
@@ -173,8 +192,8 @@ TEST_F(FirstRunTest, SwitchedOffWhileItRunsTheSplashPanelIsBackAndNoKeyIsTaken) 
 
     ASSERT_NO_FATAL_FAILURE(setEnabled(true));
     expectItRunsAgain(off);
-    EXPECT_TRUE(program_->pressHotKey(keyboard_));
-    EXPECT_TRUE(program_->press(keyboard_, keysym::escape, milestone::inputHidden));
+    EXPECT_TRUE(program_->pressHotKey(keyboard_)) << history();
+    EXPECT_TRUE(program_->press(keyboard_, keysym::escape, milestone::inputHidden)) << history();
 }
 
 TEST_F(FirstRunTest, TheKeeperOfTheSwitchMayDie) {
@@ -220,8 +239,8 @@ TEST_F(FirstRunTest, TheSettingsWindowIsSearchedItselfAndHasTheKeyboardAgainAfte
         ASSERT_TRUE(opened);
         ASSERT_TRUE(program_->reached(milestone::candidatesRead, opened.pressed, kLimit));
         const Program::Step typed = program_->type(keyboard_, "launch");
-        ASSERT_TRUE(typed);
-        ASSERT_EQ(typed.answered->count, 1U);
+        ASSERT_TRUE(typed) << history();
+        ASSERT_EQ(typed.answered->count, 1U) << history();
         ASSERT_TRUE(program_->press(keyboard_, keysym::returnKey, milestone::inputHidden));
         EXPECT_TRUE(await(kLimit, [&] { return std::filesystem::exists(entry) == launches; })) << launches;
     }
@@ -229,8 +248,11 @@ TEST_F(FirstRunTest, TheSettingsWindowIsSearchedItselfAndHasTheKeyboardAgainAfte
     ASSERT_TRUE(program_->pressHotKey(keyboard_));
     ASSERT_TRUE(program_->press(keyboard_, keysym::escape, milestone::inputHidden));
     ASSERT_TRUE(windowOf("Settings"));
-    keyboard_.chord({keysym::escape});
-    EXPECT_TRUE(goes("Settings"));
+    // Its toolkit learns a moment later that the window has the keyboard, and heeds its shortcuts then.
+    EXPECT_TRUE(await(kLimit, [&] {
+        keyboard_.chord({keysym::control, 'w'});
+        return await(200ms, [&] { return !windowOf("Settings"); });
+    }));
 }
 
 // On a desktop whose session bus knows nothing of accessibility.
