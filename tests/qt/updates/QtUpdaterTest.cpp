@@ -472,9 +472,9 @@ TEST_F(AutomaticUpdaterTest, ABadFeedOrKeyIsRefusedWithALine) {
     }
 }
 
-TEST_F(QtUpdaterTest, AnOrdinaryBuildHasNoFeed) {
-    EXPECT_EQ(QtUpdater::builtInSource().feed, "");
-    EXPECT_EQ(QtUpdater::builtInSource().key, "");
+TEST_F(QtUpdaterTest, ABuildHasTheFeedOfItsOptions) {
+    EXPECT_EQ(QtUpdater::builtInSource().feed, TARVIX_UPDATE_FEED);
+    EXPECT_EQ(QtUpdater::builtInSource().key, TARVIX_UPDATE_KEY);
 }
 
 // --- Refusals ---
