@@ -141,6 +141,18 @@ protected:
         program_.emplace(TARVIX_PROGRAM);
         ASSERT_TRUE(program_->isReady());
     }
+    // On a busy machine a window that has just come up may not tell of all its controls in time; then one searches
+    // again, as its user would.
+    bool searchesTheWhole() {
+        constexpr std::size_t controls = 10;  // the five tabs, and those of the first one
+        return await(kLimit, [&] {
+            const Program::Step opened = program_->pressHotKey(keyboard_);
+            const auto read = program_->reached(milestone::candidatesRead, opened.pressed);
+            if (read && read->count >= controls) return true;
+            program_->press(keyboard_, keysym::escape, milestone::inputHidden);
+            return false;
+        });
+    }
     void expectItRunsAgain(std::int64_t since) {
         EXPECT_TRUE(program_->reached(milestone::ready, since, kLimit));
         EXPECT_TRUE(goes("Tarvix"));
@@ -235,9 +247,7 @@ TEST_F(FirstRunTest, TheSettingsWindowIsSearchedItselfAndHasTheKeyboardAgainAfte
     ASSERT_TRUE(comesInFront("Settings"));
     const std::filesystem::path entry = configuration.file("autostart/org.tarvix.Tarvix.desktop");
     for (const bool launches : {true, false}) {
-        const Program::Step opened = program_->pressHotKey(keyboard_);
-        ASSERT_TRUE(opened);
-        ASSERT_TRUE(program_->reached(milestone::candidatesRead, opened.pressed, kLimit));
+        ASSERT_TRUE(searchesTheWhole()) << history();
         const Program::Step typed = program_->type(keyboard_, "launch");
         ASSERT_TRUE(typed) << history();
         ASSERT_EQ(typed.answered->count, 1U) << history();

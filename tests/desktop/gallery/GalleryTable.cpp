@@ -160,6 +160,32 @@ GallerySection alerts() {
     return section;
 }
 
+GallerySection firstRun() {
+    GallerySection section{"The first run",
+                           "While accessibility is off this panel stands in the place of all else; its button switches "
+                           "accessibility on.",
+                           3,
+                           {}};
+    const auto add = [&](const char* name, const char* caption, GalleryScene scene) -> GalleryPicture& {
+        GalleryPicture picture;
+        picture.name = name;
+        picture.caption = caption;
+        picture.scene = scene;
+        picture.isFirstRun = true;
+        picture.part = {810, 320, 300, 440};
+        section.pictures.push_back(std::move(picture));
+        return section.pictures.back();
+    };
+    add("splash", "light", GalleryScene::light);
+    add("splash-dark", "dark", GalleryScene::dark);
+    GalleryPicture& scaled =
+        add("splash-scaled", "on a desktop scaled to 200 %, at half its size", GalleryScene::light);
+    scaled.scale = 2;
+    scaled.percent = 50;
+    scaled.part = {660, 100, 600, 880};
+    return section;
+}
+
 std::vector<GallerySection> allSections() {
     GalleryPicture lightInspector = inspector("inspector", GalleryScene::light);
     lightInspector.caption = "light";
@@ -176,6 +202,7 @@ std::vector<GallerySection> allSections() {
         markers(),
         presets(),
         dimming(),
+        firstRun(),
         settingsWindow(),
         {"The inspector",
          "During a search it tells what is known of the control below the pointer, whether it matches or not.",

@@ -78,6 +78,13 @@ void takeAltF4() {
                          R"(<keyboard><keybind key="A-F4"><action name="Close"/></keybind></keyboard>)"));
 }
 
+bool switchAccessibility(bool on) {
+    return outputOf({"dbus-send", "--session", "--print-reply", "--dest=org.a11y.Bus", "/org/a11y/bus",
+                     "org.freedesktop.DBus.Properties.Set", "string:org.a11y.Status", "string:IsEnabled",
+                     std::string("variant:boolean:") + (on ? "true" : "false")})
+        .has_value();
+}
+
 bool makeMonitors(const std::vector<ScreenPart>& monitors) {
     for (std::size_t i = 0; i < monitors.size(); ++i) {
         const ScreenPart& part = monitors[i];
@@ -163,6 +170,7 @@ private:
         Process::Environment environment;
         if (!picture.locale.empty()) environment = {{"LANG", picture.locale}, {"LC_ALL", std::nullopt}};
         if (picture.scale > 1) environment["GDK_SCALE"] = std::to_string(picture.scale);
+        if (picture.isFirstRun) return takeFirstRun(picture, environment);
         Program program(program_, environment);
         if (!program.isReady()) return fail("Tarvix did not become ready");
         if (picture.inSettings) return takeSettings(picture);
@@ -172,6 +180,14 @@ private:
         const auto shown = screenAtRest(picture.part, &*before);
         if (!shown || !save(*shown, picture)) return fail("nothing can be seen of the search");
         return program.press(keyboard_, keysym::escape, milestone::inputHidden) || fail("The Input stays");
+    }
+
+    bool takeFirstRun(const GalleryPicture& picture, const Process::Environment& environment) {
+        const auto before = screenAtRest(picture.part, nullptr);
+        if (!before || !switchAccessibility(false)) return fail("accessibility can't be switched off");
+        const Program program(program_, environment);
+        const auto shown = screenAtRest(picture.part, &*before);
+        return switchAccessibility(true) && shown && save(*shown, picture);
     }
 
     bool takeSettings(GalleryPicture picture) {
