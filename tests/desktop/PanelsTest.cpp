@@ -15,9 +15,9 @@
 
 #include "ax/AXEngine2.h"
 #include "linux/x11/Panels.h"
+#include "tests/desktop/PanelDesk.h"
 #include "tests/desktop/RealServices.h"
 #include "tests/desktop/X11Victim.h"
-#include "tests/desktop/play/Await.h"
 #include "tests/desktop/play/Fixture.h"
 #include "tests/desktop/play/Keyboard.h"
 #include "tests/desktop/play/Program.h"
@@ -29,34 +29,8 @@ using namespace std::chrono_literals;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-constexpr auto kUntilShown = 30s;
 constexpr int kStatusLayer = 25;
 const std::string kSettings = R"({"searchIncludesDock": true})";
-
-// As await(), for what asks so much that asking at every moment would keep the panel from answering.
-template <class Condition>
-bool eventually(std::chrono::milliseconds limit, Condition condition) {
-    return await(limit, [&] {
-        if (condition()) return true;
-        std::this_thread::sleep_for(20ms);
-        return false;
-    });
-}
-
-// A folder of configuration files of its own.
-class Configuration {
-public:
-    void write(const std::string& name, const std::string& text) const {
-        const std::filesystem::path path = folder_.file(name);
-        std::filesystem::create_directories(path.parent_path());
-        std::ofstream(path) << text;
-    }
-    std::string file(const std::string& name) const { return folder_.file(name); }
-    Process::Environment environment() const { return {{"XDG_CONFIG_HOME", folder_.file("")}}; }
-
-private:
-    ScratchFolder folder_;
-};
 
 // A window that a list of tasks has a button for.
 class TaskWindow {
@@ -115,19 +89,6 @@ protected:
     }
     bool dockComesToRest(const std::vector<std::string>& names) const {
         return comeToRest([this] { return dockElements(); }, names);
-    }
-
-    // Whether somebody shows what tells of itself on the session bus. A program of Qt that starts before that embeds a
-    // window.
-    static bool hasNotifierHost() {
-        constexpr const char* name = "org.kde.StatusNotifierWatcher";
-        const atspi::Bus session = atspi::connectToSession();
-        return eventually(kUntilShown, [&] {
-            int isThere = 0;
-            return sd_bus_get_property_trivial(session.get(), name, "/StatusNotifierWatcher", name,
-                                               "IsStatusNotifierHostRegistered", nullptr, 'b', &isThere) >= 0 &&
-                   isThere != 0;
-        });
     }
 
     bool isOnScreen(auto is) const {
