@@ -72,7 +72,7 @@ Command parseCommandLine(std::span<const std::string_view> arguments) {
     if (arguments.empty()) return command::Start{};
     const std::string_view first = arguments.front();
     const auto rest = arguments.subspan(1);
-    const auto alone = [&](Command command) {
+    const auto alone = [&](const Command& command) {
         return rest.empty() ? command : wrongUse(quoted(first) + " takes no further argument");
     };
     if (first == "--help") return alone(command::Help{});

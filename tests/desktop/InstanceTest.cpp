@@ -41,7 +41,8 @@ bool isNameTaken() {
     return said && said->find("true") != said->npos;
 }
 
-// A call of the interface that every desktop knows; whether it was answered without an error.
+// A call of the interface that every desktop knows, its arguments with their types; whether it was answered without an
+// error.
 bool call(const std::string& method, const std::vector<std::string>& arguments) {
     std::vector<std::string> command{"gdbus",
                                      "call",
@@ -152,15 +153,15 @@ TEST_F(InstanceTest, WhatIsNotMeantForItIsRefusedAndReachesNobody) {
     EXPECT_EQ(start({"https://example.org/"}).status, 2);
     EXPECT_EQ(start({"tarvix:\xc0\xaf"}).status, 2);
     EXPECT_EQ(start({"tarvix://" + std::string(100000, '%') + "\x01\x7f\n"}).status, 0) << "and has no effect";
-    EXPECT_FALSE(call("ActivateAction", {"unknown", "[]", "{}"}));
+    EXPECT_FALSE(call("ActivateAction", {"'unknown'", "@av []", "@a{sv} {}"}));
     EXPECT_TRUE(program_->pressHotKey(keyboard_)) << "it goes on";
 }
 
 TEST_F(InstanceTest, ItsActionsOpenTheSettingsAndEndIt) {
     startProgram();
-    EXPECT_TRUE(call("ActivateAction", {"settings", "[]", "{}"}));
+    EXPECT_TRUE(call("ActivateAction", {"'settings'", "@av []", "@a{sv} {}"}));
     EXPECT_TRUE(opensSettings());
-    EXPECT_TRUE(call("ActivateAction", {"quit", "[]", "{}"}));
+    EXPECT_TRUE(call("ActivateAction", {"'quit'", "@av []", "@a{sv} {}"}));
     EXPECT_EQ(program_->process().waitForEnd(kLimit), 0);
 }
 
@@ -197,11 +198,11 @@ TEST_F(InstanceTest, TheSessionBusStartsItAndAddressesOfBeforeAreDropped) {
             .has_value();
     };
     ASSERT_TRUE(reload());
-    EXPECT_TRUE(call("Open", {"['tarvix://openTheInput']", "{}"}));
+    EXPECT_TRUE(call("Open", {"@as ['tarvix://openTheInput']", "@a{sv} {}"}));
     ASSERT_TRUE(log.next(milestone::ready, 0, kLimit));
     EXPECT_TRUE(isNameTaken());
     const std::int64_t before = monotonicMicroseconds();
-    EXPECT_TRUE(call("Open", {"['tarvix://openTheInput']", "{}"}));
+    EXPECT_TRUE(call("Open", {"@as ['tarvix://openTheInput']", "@a{sv} {}"}));
     const auto shown = log.next(milestone::inputShown, 0, kLimit);
     ASSERT_TRUE(shown);
     EXPECT_GE(shown->microseconds, before) << "the first address came before the start";
