@@ -186,6 +186,21 @@ GallerySection firstRun() {
     return section;
 }
 
+GallerySection trayMenu() {
+    GallerySection section{
+        "The status item",
+        "Its icon in the desktop's tray opens the menu; here the tray is tint2's. The entry of reports "
+        "names the frontmost application.",
+        1,
+        {}};
+    GalleryPicture picture;
+    picture.name = "tray-menu";
+    picture.isTrayMenu = true;
+    picture.part = {1480, 900, 440, 180};
+    section.pictures.push_back(std::move(picture));
+    return section;
+}
+
 std::vector<GallerySection> allSections() {
     GalleryPicture lightInspector = inspector("inspector", GalleryScene::light);
     lightInspector.caption = "light";
@@ -203,6 +218,7 @@ std::vector<GallerySection> allSections() {
         presets(),
         dimming(),
         firstRun(),
+        trayMenu(),
         settingsWindow(),
         {"The inspector",
          "During a search it tells what is known of the control below the pointer, whether it matches or not.",

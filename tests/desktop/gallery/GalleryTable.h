@@ -38,6 +38,7 @@ struct GalleryPicture {
     // Instead of a search: the settings' window, in which these keys are pressed one chord after the other. The part of
     // the screen is that window then.
     std::optional<std::vector<Chord>> inSettings = std::nullopt;
+    bool isTrayMenu = false;  // instead of a search: the status item's menu, in a panel of its own
     bool isFirstRun = false;  // instead of a search: the panel that asks for accessibility, which is off
     std::string locale = {};  // of the user, where it matters
     int scale = 1;            // of the desktop

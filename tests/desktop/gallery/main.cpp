@@ -171,6 +171,7 @@ private:
         if (!picture.locale.empty()) environment = {{"LANG", picture.locale}, {"LC_ALL", std::nullopt}};
         if (picture.scale > 1) environment["GDK_SCALE"] = std::to_string(picture.scale);
         if (picture.isFirstRun) return takeFirstRun(picture, environment);
+        if (picture.isTrayMenu) return takeTrayMenu(picture);
         Program program(program_, environment);
         if (!program.isReady()) return fail("Tarvix did not become ready");
         if (picture.inSettings) return takeSettings(picture);
@@ -188,6 +189,23 @@ private:
         const Program program(program_, environment);
         const auto shown = screenAtRest(picture.part, &*before);
         return switchAccessibility(true) && shown && save(*shown, picture);
+    }
+
+    bool takeTrayMenu(const GalleryPicture& picture) {
+        constexpr ScreenPoint icon{1515, 1065};
+        const std::string configuration = configurationFolder() + "/tint2rc";
+        write(configuration,
+              "panel_items = S\npanel_position = bottom right horizontal\npanel_size = 420 30\npanel_layer = top\n"
+              "systray_padding = 4 2 4\nsystray_icon_size = 22\n");
+        const Process panel({"tint2", "-c", configuration});
+        const auto bare = screenAtRest(picture.part, nullptr);
+        Program program(program_);
+        const auto before = program.isReady() && bare ? screenAtRest({1500, 1050, 30, 30}, nullptr) : std::nullopt;
+        if (!before) return fail("no tray");
+        keyboard_.movePointer(icon);
+        keyboard_.click();
+        const auto shown = screenAtRest(picture.part, &*before);
+        return (shown && save(*shown, picture)) || fail("no menu");
     }
 
     bool takeSettings(GalleryPicture picture) {
