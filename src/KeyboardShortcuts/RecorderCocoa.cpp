@@ -37,6 +37,11 @@ bool deletes(const LocalEvent& event) {
            event.specialKey == SpecialKey::backspace;
 }
 
+// A function key may stand alone or with Shift.
+bool canBeShortcut(const LocalEvent& event) {
+    return event.keyCode && (!hasAtMostShift(event.modifierFlags) || event.specialKey == SpecialKey::function);
+}
+
 bool isNear(ControlPoint point, ControlRect bounds) {
     return point.x >= bounds.minX() - kMargin && point.x < bounds.maxX() + kMargin &&
            point.y >= bounds.minY() - kMargin && point.y < bounds.maxY() + kMargin;
@@ -181,9 +186,7 @@ Verdict RecorderCocoa::handleKey(const LocalEvent& event) {
         endRecording();
     } else if (plain && deletes(event)) {
         control_.clickCancelButton();
-    } else if (hasAtMostShift(event.modifierFlags) && event.specialKey != SpecialKey::function) {
-        control_.beep();
-    } else if (!event.keyCode) {
+    } else if (!canBeShortcut(event)) {
         control_.beep();
     } else {
         record(Shortcut::withEventFlags(*event.keyCode, event.modifierFlags));
