@@ -19,8 +19,8 @@ struct StatusButton {
     std::string accessibilityHelp;
 };
 
-// Whether the user may take the item away. One that was taken away is back when it is made visible, at the latest at the
-// next start of the program.
+// Whether the user may take the item away. One that was taken away is back when it is made visible, at the latest at
+// the next start of the program.
 enum class StatusItemBehavior : std::uint8_t { none = 0, removalAllowed = 2 };
 
 // The item goes with its destruction.
