@@ -31,6 +31,7 @@ void AppCore::suspend() {
     if (localMonitorController_) localMonitorController_->removeLocalMonitor();
     if (!eventTapController_) fatal("the accessibility privilege is lost before there is an event tap to disable");
     eventTapController_->enable(false);
+    preloading_.cancel();  // its Targets would stay on the screen for as long as nothing can open a search
     theInput_->close();
 }
 

@@ -39,8 +39,8 @@ public:
     // Makes what isn't there yet, brings the shortcut, the key monitor and the event tap to life, and hides the
     // program. May run many times.
     void start();
-    // Puts the three out of service, and ends a search that is up: the keyboard is the application's again. Ends the
-    // process when there is no event tap.
+    // Puts the three out of service, and ends a search that is up and its reading: the keyboard is the application's
+    // again. Ends the process when there is no event tap.
     void suspend();
 
     bool isStarted() const { return theInput_ != nullptr; }

@@ -181,6 +181,20 @@ TEST_F(AppDelegateTest, ASearchThatIsUpEndsWithThePrivilegeAndGivesTheKeyboardBa
     EXPECT_THAT(desk.journal({Topic::key}), ElementsAre("key 7 reached the application"));
 }
 
+// Nothing could take its Targets off the screen: the shortcut is out of service.
+TEST_F(AppDelegateTest, WhatASearchHasReadWhenThePrivilegeGoesIsNotShown) {
+    desk.userDefaults.set("dontFlushTheInput", true);
+    launch(true);
+    pressShortcut();
+    desk.type("send");
+    ASSERT_TRUE(desk.runLoop.runBackgroundBody());
+    changeAndWait(false);
+    desk.settle();
+    EXPECT_FALSE(core.tarvixEngine().allElements().empty()) << "the reading has come to its end";
+    EXPECT_TRUE(core.tarvixEngine().targets().empty());
+    EXPECT_FALSE(desk.panels.canvas().isVisible());
+}
+
 TEST_F(AppDelegateTest, TheSplashPanelIsMadeOnceAndItsContentAnewEachTime) {
     launch(true);
     changeAndWait(false);
