@@ -85,13 +85,14 @@ void QtUpdater::checkForUpdates() {
 }
 
 // The setting is looked at again when the time comes, and whenever a setting changes. The first start counts as a
-// check, so that nobody is met by one.
+// check, so that nobody is met by one; and so does finding one that is still to come, by a clock that was wrong.
 void QtUpdater::schedule() {
     clock_.stop();
     if (!memory_.checksAutomatically()) return;
     const UpdateTime now = times_.now();
-    if (!memory_.lastCheck()) memory_.noteCheck(now);
-    const std::chrono::milliseconds wait = timeToNextCheck(memory_.lastCheck().value_or(now), now);
+    const UpdateTime last = std::min(memory_.lastCheck().value_or(now), now);
+    if (memory_.lastCheck() != last) memory_.noteCheck(last);
+    const std::chrono::milliseconds wait = timeToNextCheck(last, now);
     clock_.start(std::clamp(wait, times_.afterStart, std::max(times_.afterStart, times_.look)));
 }
 

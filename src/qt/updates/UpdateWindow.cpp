@@ -134,6 +134,7 @@ void UpdateWindow::close() {
     // Not at once: it may be in the middle of telling of a click.
     if (Dialog* const gone = dialog_.release()) {
         gone->onClosed = nullptr;
+        gone->setEnabled(false);  // clicks that wait are too late
         gone->hide();
         gone->deleteLater();
     }

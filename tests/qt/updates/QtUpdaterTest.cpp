@@ -334,6 +334,16 @@ TEST_F(QtUpdaterTest, AnOpenWindowIsBroughtForwardInsteadOfAnotherCheck) {
     EXPECT_THAT(requests(), ElementsAre(kFeed));
 }
 
+TEST_F(QtUpdaterTest, ASecondClickOnAWindowThatIsGoingDoesNothing) {
+    start().checkForUpdates();
+    ASSERT_TRUE(shows("A new version"));
+    QPushButton* const skip = button("Skip This Version");
+    skip->click();
+    skip->click();  // it waited while the first one was dealt with
+    EXPECT_EQ(window(), nullptr);
+    EXPECT_TRUE(updater->canCheckForUpdates());
+}
+
 TEST_F(QtUpdaterTest, EndsInTheMiddleOfADownload) {
     ServedReply half = foundAs(release.size(), release.first(1000));
     half.then = ServedReply::Then::hang;
@@ -380,6 +390,15 @@ TEST_F(AutomaticUpdaterTest, TheFirstCheckIsADayAfterTheFirstStart) {
     EXPECT_TRUE(shows("A new version of Tarvix is available!"));
     EXPECT_EQ(UpdateMemory(defaults).lastCheck(), now);
     EXPECT_THAT(requests(), ElementsAre(kFeed));
+}
+
+TEST_F(AutomaticUpdaterTest, AClockThatWasYearsAheadPutsItOffForADay) {
+    UpdateMemory(defaults).noteCheck(now + 24h * 3650);
+    EXPECT_TRUE(staysQuiet());
+    EXPECT_EQ(UpdateMemory(defaults).lastCheck(), now);
+    now += 24h;
+    start();
+    EXPECT_TRUE(shows("A new version of Tarvix is available!"));
 }
 
 TEST_F(AutomaticUpdaterTest, ChecksAgainWhileTheProgramRuns) {
