@@ -10,15 +10,15 @@ enum class UpdateRefusal : std::uint8_t {
     unreachable,       // no connection, or one that broke
     untrustedServer,   // a certificate that nothing vouches for
     serverError,       // an answer other than the file
-    timedOut,          //
+    timedOut,          // nothing more came
     insecureAddress,   // other than HTTPS
     insecureRedirect,  // away from HTTPS
-    tooManyRedirects,  //
+    tooManyRedirects,  // one after the other
     hostileAddress,    // relative, or with parts that no address of ours has
-    feedTooLarge,      //
-    malformedFeed,     //
-    missingSignature,  //
-    wrongSignature,    //
+    feedTooLarge,      // larger than any feed is
+    malformedFeed,     // not the XML of a feed
+    missingSignature,  // nothing to trust the file by
+    wrongSignature,    // not that of the key and the file
     unknownType,       // no file for this system's installer
     missingLength,     //
     oversized,         // larger than told, or than any release is

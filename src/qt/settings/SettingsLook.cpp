@@ -33,7 +33,6 @@ constexpr auto kGrowing = std::to_array<QStyle::PixelMetric>({
     QStyle::PM_SmallIconSize,
     QStyle::PM_ButtonIconSize,
     QStyle::PM_ToolTipLabelFrameWidth,
-
     QStyle::PM_MenuButtonIndicator,
     QStyle::PM_FocusFrameHMargin,
     QStyle::PM_FocusFrameVMargin,
