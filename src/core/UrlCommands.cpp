@@ -43,7 +43,7 @@ void applyWith(const UrlComponents& components, TheInput& theInput) {
 }  // namespace
 
 void handleURLs(std::span<const std::string> urls, AppCore& core) {
-    if (!core.isStarted() || urls.empty()) return;
+    if (!core.isRunning() || urls.empty()) return;
     const std::string& text = urls.front();
     const bool isVisible = core.theInput().isVisible();
     const auto command = std::find_if(kCommands.begin(), kCommands.end(),

@@ -14,8 +14,8 @@ inline constexpr std::size_t kLongestUrl = 8192;
 
 // Acts on the first address alone: "tarvix://openTheInput", "tarvix://closeTheInput" or "tarvix://toggleTheInput",
 // whatever follows these words. "with" in the query of the first and the last is the text to search for. Nothing
-// happens before the program has started, nor for what isn't an address (see UrlComponents) or is too long for one.
-// Main thread.
+// happens while the program waits for the accessibility privilege, the first time or again, nor for what isn't an
+// address (see UrlComponents) or is too long for one. Main thread.
 void handleURLs(std::span<const std::string> urls, AppCore& core);
 
 }  // namespace tarvix

@@ -90,6 +90,22 @@ TEST_F(ProgramLife, AddressesDoNothingWhileTheSplashPanelStandsForTheFirstTime) 
     EXPECT_FALSE(inputIsShown()) << "nor are they kept for later";
 }
 
+// A search would have the keyboard, and nothing that handles its keys.
+TEST_F(ProgramLife, AddressesDoNothingWhileTheSplashPanelIsBack) {
+    start();
+    setPrivilege(false);
+    desk.clearJournal();
+    open("tarvix://openTheInput?with=send");
+    open("tarvix://toggleTheInput?with=send");
+    desk.settle();
+    EXPECT_THAT(desk.journal(), IsEmpty());
+    setPrivilege(true);
+    EXPECT_FALSE(inputIsShown()) << "nor are they kept for later";
+    open("tarvix://openTheInput");
+    EXPECT_TRUE(inputIsShown());
+    EXPECT_EQ(app.core().theInput().value(), "");
+}
+
 TEST_F(ProgramLife, AnAddressDrivesASearchUpToItsTargets) {
     start();
     open("tarvix://openTheInput?with=send");
