@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <QDBusObjectPath>
 #include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
 #include <QImage>
 #include <QTimer>
 #include <QtEndian>
@@ -112,12 +113,13 @@ NotifierItem::~NotifierItem() {
 
 void NotifierItem::requestName(std::function<void()> refused) {
     QDBusMessage request = callToBus("RequestName");
-    constexpr uint withoutWaiting = 4;
+    constexpr uint withoutWaiting = 4, isOurs = 1;
     request << busName_ << withoutWaiting;
     auto* pending = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(request), this);
     connect(pending, &QDBusPendingCallWatcher::finished, this, [this, pending, refused = std::move(refused)] {
         pending->deleteLater();
-        if (pending->isError()) return refused();
+        if (const QDBusPendingReply<uint> reply = *pending; reply.isError() || reply.value() != isOurs)
+            return refused();
         watcher_.registerItem(*this, busName_, refused);
     });
 }

@@ -214,6 +214,20 @@ TEST_F(QtStatusBarTest, AWatcherThatRefusesLeavesItToTheTray) {
     EXPECT_TRUE(runUntil([&] { return watcher.registered.size() == 1 && isInTray(); }));
 }
 
+TEST_F(QtStatusBarTest, WhereAnotherHasItsNameOnTheBusItIsLeftToTheTray) {
+    TestWatcher watcher;
+    item->setVisible(true);
+    ASSERT_TRUE(runUntil([&] { return watcher.registered.size() == 1; }));
+    const QString name = QString::fromStdString(watcher.registered[0]);
+    const int number = name.section('-', -1).toInt();
+    QDBusConnection other = QDBusConnection::connectToBus(QDBusConnection::SessionBus, "another program");
+    EXPECT_TRUE(other.registerService(name.section('-', 0, -2) + "-" + QString::number(number + 1)));
+    item->setButton({"wind", "Tarvix", "the label", "Tarvix", "the help"});  // shown anew, under the next name
+    EXPECT_TRUE(runUntil([&] { return isInTray(); }));
+    EXPECT_EQ(watcher.registered.size(), 1u) << "the other's item would have been registered";
+    QDBusConnection::disconnectFromBus("another program");
+}
+
 TEST_F(QtStatusBarTest, HiddenItIsOffTheBus) {
     TestWatcher watcher;
     item->setVisible(true);
