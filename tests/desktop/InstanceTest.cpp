@@ -67,6 +67,19 @@ bool opens(const char* address) {
                               nullptr, "asa{sv}", 1, address, 0) >= 0;
 }
 
+// A call with a hundred thousand of them, the first of which isn't one of ours.
+atspi::Message manyAddresses(sd_bus* bus) {
+    sd_bus_message* raw = nullptr;
+    sd_bus_message_new_method_call(bus, &raw, kName, "/org/tarvix/Tarvix", "org.freedesktop.Application", "Open");
+    atspi::Message call(raw);
+    sd_bus_message_open_container(raw, 'a', "s");
+    sd_bus_message_append_basic(raw, 's', "file:///");
+    for (int i = 0; i < 100'000; ++i) sd_bus_message_append_basic(raw, 's', "tarvix://openTheInput");
+    sd_bus_message_close_container(raw);
+    sd_bus_message_append(raw, "a{sv}", 0);
+    return call;
+}
+
 class InstanceTest : public ::testing::Test {
 protected:
     void TearDown() override {
@@ -162,6 +175,26 @@ TEST_F(InstanceTest, WhatIsNotMeantForItIsRefusedAndReachesNobody) {
     EXPECT_EQ(start({"tarvix:\xc0\xaf"}).status, 2);
     EXPECT_EQ(start({"tarvix://" + std::string(100000, '%') + "\x01\x7f\n"}).status, 0) << "and has no effect";
     EXPECT_FALSE(call("ActivateAction", {"'unknown'", "@av []", "@a{sv} {}"}));
+    EXPECT_TRUE(program_->pressHotKey(keyboard_)) << "it goes on";
+}
+
+// More than a command line holds, and than anybody means.
+TEST_F(InstanceTest, ThousandsOfAddressesAndHugeOnesChangeNothing) {
+    startProgram();
+    const atspi::Bus bus = atspi::connectToSession();
+    const auto ask = [&bus](const char* method, const char* types, auto... arguments) {
+        sd_bus_set_method_call_timeout(bus.get(), 15'000'000);
+        return sd_bus_call_method(bus.get(), kName, "/org/tarvix/Tarvix", "org.freedesktop.Application", method,
+                                  nullptr, nullptr, types, arguments...);
+    };
+    const std::string huge = "tarvix://openTheInput?with=" + std::string(8U << 20U, 'a');
+    EXPECT_GE(ask("Open", "asa{sv}", 2, huge.c_str(), "tarvix://openTheInput", 0), 0);
+    EXPECT_GE(ask("Open", "asa{sv}", 0, 0), 0) << "none at all";
+    EXPECT_EQ(ask("Open", "s", "tarvix://openTheInput"), -EINVAL);
+    EXPECT_EQ(ask("ActivateAction", "sava{sv}", huge.c_str(), 0, 0), -EINVAL);
+    atspi::Message many = manyAddresses(bus.get());
+    EXPECT_GE(sd_bus_call(bus.get(), many.get(), 15'000'000, nullptr, nullptr), 0);
+    EXPECT_FALSE(program_->reached(milestone::inputShown, 0, 0s));
     EXPECT_TRUE(program_->pressHotKey(keyboard_)) << "it goes on";
 }
 

@@ -66,7 +66,8 @@ struct RunningInstance::Methods {
         std::vector<std::string> addresses;
         const char* address = nullptr;
         while (sd_bus_message_read_basic(message, 's', &address) > 0) addresses.emplace_back(address);
-        of(data).asked_.push_back([open = of(data).requests_.open, addresses] { open(addresses); });
+        of(data).asked_.push_back(
+            [open = of(data).requests_.open, addresses = std::move(addresses)] { open(addresses); });
         return sd_bus_reply_method_return(message, nullptr);
     }
 
@@ -75,7 +76,7 @@ struct RunningInstance::Methods {
         if (const int read = sd_bus_message_read_basic(message, 's', &name); read < 0) return read;
         const std::string_view action = name;
         if (action != "settings" && action != "quit")
-            return sd_bus_error_setf(error, SD_BUS_ERROR_INVALID_ARGS, "no action '%s'", name);
+            return sd_bus_error_set(error, SD_BUS_ERROR_INVALID_ARGS, "There is no such action");
         const InstanceRequests& requests = of(data).requests_;
         of(data).asked_.push_back(action == "quit" ? requests.quit : requests.showSettings);
         return sd_bus_reply_method_return(message, nullptr);
