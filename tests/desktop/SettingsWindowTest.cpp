@@ -342,6 +342,22 @@ TEST_F(SettingsWindowTest, ItFollowsLightAndDark) {
     EXPECT_GT(ground(), 200);
 }
 
+TEST_F(SettingsWindowTest, ALabelWithCodeTakesTheRoomOfAnyOther) {
+    choose("Extra");
+    const auto place = [&](const QWidget* each) { return QRect(each->mapTo(&pane(), QPoint()), each->size()); };
+    std::vector<int> distances;  // from each box to the text below it
+    for (const auto* box : pane().findChildren<QCheckBox*>()) {
+        int below = pane().height();
+        for (const auto* label : pane().findChildren<QLabel*>())
+            if (label->wordWrap() && place(label).top() > place(box).center().y())
+                below = std::min(below, place(label).top());
+        distances.push_back(below - place(box).center().y());
+    }
+    EXPECT_EQ(distances.size(), 6U);
+    const auto [least, most] = std::ranges::minmax(distances);
+    EXPECT_LE(most - least, 1) << testing::PrintToString(distances);
+}
+
 TEST_F(SettingsWindowTest, ShownAgainItHasTheTabOfBeforeAndWhatWasSetMeanwhile) {
     choose("Search");
     window().close();

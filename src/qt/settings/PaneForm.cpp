@@ -9,6 +9,7 @@
 #include <QMouseEvent>
 #include <QSlider>
 #include <QStyle>
+#include <QStyleOptionButton>
 #include <QWheelEvent>
 #include <algorithm>
 #include <cassert>
@@ -196,6 +197,20 @@ void PaneForm::write(std::string_view key, UserDefaults::Value value) {
     services_.effects.changed(key);
 }
 
+// Where the text of a check box begins.
+int PaneForm::textOfCheckBox() const {
+    QStyleOptionButton option;
+    option.rect = rect();
+    return style_.subElementRect(QStyle::SE_CheckBoxContents, &option).left();
+}
+
+int PaneForm::heightOfCheckBox() const {
+    QCheckBox box("A");
+    box.setStyle(&style_);
+    box.setFont(look_.font());
+    return box.sizeHint().height();
+}
+
 QCheckBox* PaneForm::addCheckBox(std::string_view label) {
     auto* box = new QCheckBox;
     if (!hasCode(label)) {
@@ -206,8 +221,9 @@ QCheckBox* PaneForm::addCheckBox(std::string_view label) {
     auto* text = new ClickableLabel(richText(label), box);
     text->setTextFormat(Qt::RichText);
     text->setToolTip(QString::fromStdString(keysMeant(label)));
+    text->setMinimumHeight(heightOfCheckBox());
     auto* line = new QHBoxLayout;
-    line->setSpacing(style_.pixelMetric(QStyle::PM_CheckBoxLabelSpacing));
+    line->setSpacing(textOfCheckBox() - style_.pixelMetric(QStyle::PM_IndicatorWidth));
     line->addWidget(box);
     line->addWidget(text, 1);
     grid_->addLayout(line, row_++, controls);
@@ -217,9 +233,7 @@ QCheckBox* PaneForm::addCheckBox(std::string_view label) {
 void PaneForm::add(const Toggle& toggle) {
     QCheckBox* box = addCheckBox(toggle.label);
     QLabel* below = nullptr;
-    if (hasFootnotes(toggle.footnotes))
-        below = addFootnote(style_.pixelMetric(QStyle::PM_IndicatorWidth) +
-                            style_.pixelMetric(QStyle::PM_CheckBoxLabelSpacing));
+    if (hasFootnotes(toggle.footnotes)) below = addFootnote(textOfCheckBox());
     connect(box, &QCheckBox::clicked, this, [this, key = toggle.setting.key](bool isOn) { write(key, isOn); });
     refreshers_.emplace_back([this, toggle, box, below] {
         box->setChecked(isOn(toggle, services_.defaults));

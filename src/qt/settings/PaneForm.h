@@ -49,6 +49,8 @@ private:
     void add(const Divider& divider);
     void addHeading(const QString& title);
     void addGap(double points);
+    int textOfCheckBox() const;
+    int heightOfCheckBox() const;
     QCheckBox* addCheckBox(std::string_view label);
     QLabel* addLabel(std::string_view text, QWidget* buddy);
     QLabel* addFootnote(int indentation);
