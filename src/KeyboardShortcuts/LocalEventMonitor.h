@@ -22,7 +22,7 @@ constexpr LocalEventMask maskOf(LocalEventType type) { return 1u << static_cast<
 // there. `function` stands for all of F1 to F35, `delete_` for the key that deletes backwards.
 enum class SpecialKey : std::uint8_t { tab, delete_, backspace, deleteForward, function };
 
-// The plane of one control: its top left is the origin, y points down.
+// The plane of one control, in points: its top left is the origin, y points down.
 using ControlPoint = Point<struct ControlPlane>;
 using ControlRect = Rect<struct ControlPlane>;
 

@@ -304,6 +304,22 @@ TEST_F(RecorderFieldTest, AClickInTheMarginGoesOn) {
     EXPECT_TRUE(ends());
 }
 
+TEST_F(RecorderFieldTest, TheMarginGrowsWithTheText) {
+    QFont large = field_->font();
+    large.setPixelSize(39);
+    field_->setFont(large);
+    ASSERT_TRUE(runUntil([&] { return field_->height() >= 39; }));
+    record();
+    movePointer(field_, {-7, 5});
+    hardware_.click();
+    chord({key::alt, key::k});
+    ASSERT_TRUE(isStored(Shortcut{40, 0x800}));
+    record();
+    movePointer(field_, {-11, 5});
+    hardware_.click();
+    EXPECT_TRUE(ends());
+}
+
 TEST_F(RecorderFieldTest, AWindowThatLosesTheKeyboardOrClosesEndsIt) {
     QWidget other;
     other.setGeometry(900, 200, 200, 200);

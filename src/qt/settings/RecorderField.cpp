@@ -98,9 +98,15 @@ QSize RecorderField::sizeHint() const {
     return size;
 }
 
-int RecorderField::pixels(double points) const {
+double RecorderField::pixelsOfAPoint() const {
     constexpr double pointsOfText = 13;
-    return static_cast<int>(points * fontInfo().pixelSize() / pointsOfText);
+    return fontInfo().pixelSize() / pointsOfText;
+}
+
+int RecorderField::pixels(double points) const { return static_cast<int>(points * pixelsOfAPoint()); }
+
+ControlPoint RecorderField::inPoints(QPointF at) const {
+    return {at.x() / pixelsOfAPoint(), at.y() / pixelsOfAPoint()};
 }
 
 // What the field shows ------------------------------------------------------------------------------------------------
@@ -130,7 +136,8 @@ void RecorderField::clickCancelButton() {
 }
 
 ControlRect RecorderField::bounds() const {
-    return {{0, 0}, {static_cast<double>(width()), static_cast<double>(height())}};
+    const ControlPoint end = inPoints(QPointF(width(), height()));
+    return {{0, 0}, {end.x, end.y}};
 }
 
 void RecorderField::beep() { QApplication::beep(); }
@@ -294,8 +301,7 @@ bool RecorderField::filterMouseUp(const QMouseEvent& event) {
         told.type = LocalEventType::rightMouseUp;
     else
         return false;
-    const QPointF at = mapFromGlobal(event.globalPosition());
-    told.location = {at.x(), at.y()};
+    told.location = inPoints(mapFromGlobal(event.globalPosition()));
     return tell(told) == Verdict::consume;
 }
 

@@ -76,7 +76,9 @@ private:
     Verdict tell(const LocalEvent& event);
     void startRecording();
     void endEditing();
+    double pixelsOfAPoint() const;
     int pixels(double points) const;
+    ControlPoint inPoints(QPointF at) const;
 
     RecorderServices services_;
     QAction* cancelButton_;
