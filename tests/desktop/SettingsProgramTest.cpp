@@ -31,7 +31,8 @@ protected:
     }
 
     void openSettings(const std::string& settings) {
-        fixture_.emplace("gtk3.py");
+        fixture_.emplace("gtk3-grid.py",
+                         std::vector<std::string>{"8", "6"});  // as large as the screen, and little to read
         ASSERT_TRUE(fixture_->isReady());
         std::filesystem::create_directories(file().parent_path());
         std::ofstream(file()) << settings;
