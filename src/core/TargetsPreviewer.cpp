@@ -28,6 +28,7 @@ TargetsPreviewer::TargetsPreviewer(const Platform& platform, TarvixEngine& engin
 // The task is owned here alone, so that one whose result is no longer wanted finds it gone.
 void TargetsPreviewer::preload(std::function<void()> preloaded) {
     if (isSearching()) return;
+    window_.reset();
     const auto about = subject();
     if (!about) return;
     window_ = about->window;

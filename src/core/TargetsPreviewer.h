@@ -43,7 +43,7 @@ private:
     DisplayEngineProtocol& displayEngine_;
     TheInput& theInput_;
     const InputPreviewer& inputPreviewer_;
-    std::optional<FocusedWindow> window_;   // of the present preview
+    std::optional<FocusedWindow> window_;   // of the present preview, or of the last one
     std::shared_ptr<Task> preloadingTask_;  // the latest one
     Subscription visibility_;
 };

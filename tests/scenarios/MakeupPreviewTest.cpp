@@ -127,6 +127,20 @@ TEST_F(MakeupPreviewTest, WithoutTheSettingsInFrontItIsTheFrontmostWindow) {
     EXPECT_THAT(targets(), ElementsAre("Brush"));
 }
 
+TEST_F(MakeupPreviewTest, WithNobodyInFrontNothingShowsNotEvenWhereTheLastOneWas) {
+    set("targetsColor", "accent");
+    desk.settle();
+    ASSERT_EQ(markers(), 1u);
+    desk.turnClock(5s);
+    desk.activate(std::nullopt);
+    desk.clearJournal();
+    set("targetsColor", "highlight");
+    desk.settle();
+    EXPECT_FALSE(desk.panels.canvas().isVisible());
+    EXPECT_THAT(dimming(), IsEmpty());
+    desk.turnClock(5s);
+}
+
 TEST_F(MakeupPreviewTest, NoPreviewTakesTheKeyboardOrClicks) {
     set("targetsColor", "accent");
     set("inputPosition", "aboveMouse");
