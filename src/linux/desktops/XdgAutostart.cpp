@@ -34,6 +34,12 @@ std::vector<std::string> parts(const std::string& list) {
     return found;
 }
 
+// A path that isn't absolute counts as none: desktops pass it over, wherever they were started.
+fs::path configurationOfUser() {
+    const fs::path named = variable("XDG_CONFIG_HOME", "");
+    return named.is_absolute() ? named : fs::path(variable("HOME", "")) / ".config";
+}
+
 // By its name alone where that stands for the same file, so that the entry outlives a move of the program.
 std::string ownProgram(const std::string& searchPath) {
     std::error_code failure;
@@ -72,9 +78,9 @@ std::optional<std::string> foreignness(const fs::path& path) {
 
 AutostartPlaces AutostartPlaces::standard() {
     AutostartPlaces places;
-    places.userFolder = fs::path(variable("XDG_CONFIG_HOME", variable("HOME", "") + "/.config")) / "autostart";
-    for (const std::string& folder : parts(variable("XDG_CONFIG_DIRS", "/etc/xdg")))
-        places.systemFolders.push_back(fs::path(folder) / "autostart");
+    places.userFolder = configurationOfUser() / "autostart";
+    for (const fs::path folder : parts(variable("XDG_CONFIG_DIRS", "/etc/xdg")))
+        if (folder.is_absolute()) places.systemFolders.push_back(folder / "autostart");
     places.desktops = parts(variable("XDG_CURRENT_DESKTOP", ""));
     places.searchPath = variable("PATH", "/usr/local/bin:/usr/bin:/bin");
     places.program = ownProgram(places.searchPath);

@@ -308,8 +308,13 @@ TEST_F(XdgAutostartTest, TheFoldersAreThoseOfTheEnvironment) {
     EXPECT_THAT(found.systemFolders, ElementsAre("/b/autostart", "/c/autostart"));
     EXPECT_THAT(found.desktops, ElementsAre("ubuntu", "GNOME"));
     EXPECT_EQ(found.program, fs::read_symlink("/proc/self/exe").string());
+    const fs::path usual = fs::path(std::getenv("HOME")) / ".config/autostart";
+    setenv("XDG_CONFIG_HOME", "a", 1);
+    setenv("XDG_CONFIG_DIRS", "b:/c:.", 1);
+    EXPECT_EQ(AutostartPlaces::standard().userFolder, usual);
+    EXPECT_THAT(AutostartPlaces::standard().systemFolders, ElementsAre("/c/autostart"));
     for (const char* name : {"XDG_CONFIG_HOME", "XDG_CONFIG_DIRS", "XDG_CURRENT_DESKTOP"}) unsetenv(name);
-    EXPECT_EQ(AutostartPlaces::standard().userFolder, fs::path(std::getenv("HOME")) / ".config/autostart");
+    EXPECT_EQ(AutostartPlaces::standard().userFolder, usual);
     EXPECT_THAT(AutostartPlaces::standard().systemFolders, ElementsAre("/etc/xdg/autostart"));
 }
 
