@@ -20,6 +20,7 @@
 #include "tests/desktop/X11Victim.h"
 #include "tests/desktop/play/Activation.h"
 #include "tests/desktop/play/Await.h"
+#include "tests/desktop/play/Fixture.h"
 
 namespace tarvix {
 namespace {
@@ -620,7 +621,8 @@ void expectAnswers(AtspiService& service, const X11Window& window) {
     EXPECT_EQ(service.pid(root), window.pid);
     EXPECT_TRUE(service.attribute(root, ax::position).ok());
     EXPECT_EQ(service.attribute(root, ax::role).status, AxStatus::cannotComplete);
-    EXPECT_EQ(service.attribute(service.systemWide(), ax::focusedUIElement).status, AxStatus::cannotComplete);
+    EXPECT_EQ(service.attribute(service.systemWide(), ax::focusedUIElement).status, AxStatus::noValue)
+        << "the window is the asking process's own";
     const auto reads = service.readAhead(root);
     EXPECT_EQ(reads->attribute(root, ax::role).status, AxStatus::cannotComplete);
     const AxRect area = window.visible();
@@ -636,6 +638,14 @@ TEST_F(WithoutABusTest, NobodyListensAndEverythingIsAnswered) {
     EXPECT_FALSE(service_->isTrusted());
     service_->askForTrust();
     EXPECT_FALSE(service_->isTrusted());
+}
+
+TEST_F(WithoutABusTest, WhatHasTheFocusInAnothersWindowIsUnknown) {
+    Fixture other("gtk3.py");
+    ASSERT_TRUE(other.isReady());
+    ASSERT_TRUE(becomesActive(*windows_, other.window()));
+    const Variable address("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent/bus");
+    EXPECT_EQ(service_->attribute(service_->systemWide(), ax::focusedUIElement).status, AxStatus::cannotComplete);
 }
 
 TEST_F(WithoutABusTest, AnAddressThatIsNoneIsAnsweredToo) {
@@ -682,6 +692,20 @@ TEST_F(BusComesBackTest, AndWindowsAreReadAgain) {
         EXPECT_THAT(fetch(), IsEmpty());
     }
     EXPECT_THAT(fetch(), SizeIs(4));
+}
+
+TEST_F(BusComesBackTest, AndWhoAsksForTheTrustThatIsThereByNowHearsOfIt) {
+    {
+        const Variable address("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent/bus");
+        EXPECT_FALSE(service_->isTrusted());
+    }
+    int told = 0;
+    const Subscription listening = service_->onTrustChanged([&told] { ++told; });
+    service_->askForTrust();
+    EXPECT_EQ(told, 1);
+    service_->askForTrust();
+    EXPECT_EQ(told, 1) << "nothing has changed since";
+    EXPECT_TRUE(service_->isTrusted());
 }
 
 }  // namespace

@@ -364,7 +364,9 @@ bool AtspiService::isTrusted() {
     return wasTrusted_;
 }
 
+// What is on already isn't told of again when it is switched on, and may have been out of reach when it was.
 void AtspiService::askForTrust() {
+    noteTrustChange();
     asking_ = connectToSession();
     if (asking_) switchAccessibilityOn(asking_.get());
 }

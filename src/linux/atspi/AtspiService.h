@@ -56,7 +56,8 @@ public:
     // Whether the session bus says that accessibility is on, and the accessibility bus can be reached. Starts what the
     // session bus knows how to start for that, and waits for it for three seconds. Main thread.
     bool isTrusted() override;
-    // Switches it on, for good where the desktop keeps such a switch, and doesn't wait for it.
+    // Switches it on, for good where the desktop keeps such a switch, and doesn't wait for it. Listeners hear of it if
+    // it is on by now.
     void askForTrust() override;
     Subscription onTrustChanged(std::function<void()> changed) override {
         return trustChanged_.add(std::move(changed));
