@@ -1,4 +1,6 @@
 // The program: the one place that knows which implementations run.
+#include <unistd.h>
+
 #include <QApplication>
 #include <QProcessEnvironment>
 #include <QStandardPaths>
@@ -133,6 +135,7 @@ int run(RunningInstance& instance, std::unique_ptr<X11Windows> windows, const QP
     const auto windowServer = require(X11WindowServer::open(*windows));
     const auto workspace = require(X11Workspace::open(*connection, *windows));
     const auto accessibility = require(AtspiService::open(*windows));
+    accessibility->setOwnProcess(getpid());
     QtScreenReader screenReader;
     workspace->setScreenReader({[&] { return screenReader.isRunning(); },
                                 [&](std::string_view text, int priority) { screenReader.announce(text, priority); }});

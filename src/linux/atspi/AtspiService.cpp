@@ -1,7 +1,5 @@
 #include "linux/atspi/AtspiService.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 
 #include "linux/atspi/AccessibilitySwitch.h"
@@ -117,8 +115,7 @@ AxResult<AxValue> AtspiService::systemAttribute(std::string_view name) {
 
 AxResult<AxValue> AtspiService::focusedIn(const std::optional<X11Window>& window) {
     if (!window) return {AxStatus::noValue, {}};
-    // A window of our own would be answered for by the thread that asks.
-    if (window->pid == getpid()) return {AxStatus::noValue, {}};
+    if (window->pid == ownProcess_) return {AxStatus::noValue, {}};
     FetchOptions options;
     options.limit = kSingleRead;
     options.waitsForTree = false;

@@ -53,6 +53,9 @@ public:
     AxStatus setAttribute(const UIElement& element, std::string_view name, const AxValue& value) override;
     std::optional<std::int32_t> pid(const UIElement& element) override;
     std::optional<std::uint32_t> windowNumber(const UIElement& window) override;
+    // The process in whose windows nothing ever has the focus: this one, which can't answer for them while it asks.
+    void setOwnProcess(std::int32_t pid) { ownProcess_ = pid; }
+
     // Whether the session bus says that accessibility is on, and the accessibility bus can be reached. Starts what the
     // session bus knows how to start for that, and waits for it for three seconds. Main thread.
     bool isTrusted() override;
@@ -103,6 +106,7 @@ private:
     X11Windows& windows_;
     Listeners<> trustChanged_;
     bool wasTrusted_ = false;
+    std::int32_t ownProcess_ = -1;
     atspi::Bus asking_;  // the bus delivers what it has to start the receiver for only while the sender is there
     atspi::Applications applications_;
     atspi::PanelSurfaces panels_{applications_, windows_};
