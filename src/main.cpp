@@ -114,91 +114,120 @@ struct DesktopAppearanceSources {
     Subscription scaleChanged;
 };
 
-int run(RunningInstance& instance, std::unique_ptr<X11Windows> windows, const QProcessEnvironment& environment,
-        X11Remains& remains) {
+// The services, each before those that are built with it.
+struct Services {
+    Services(std::unique_ptr<X11Windows> theWindows, const QProcessEnvironment& environment, X11Remains& remains)
+        : windows(std::move(theWindows)),
+          thisProgram(environment),
+          appearances(*connection, environment),
+          updater(QtUpdater::builtInSource(), QtUpdater::thisSystem(TARVIX_VERSION),
+                  {QtUpdater::standardFolder(), environment}, userDefaults, appearances.together) {
+        connection->noteRemainsIn(remains);
+        accessibility->setOwnProcess(getpid());
+        workspace->setScreenReader(
+            {[this] { return screenReader.isRunning(); },
+             [this](std::string_view text, int priority) { screenReader.announce(text, priority); }});
+        workspace->setRole("com.apple.dock", [this] { return dockProcesses(*windows); });
+        workspace->setRole("com.apple.notificationcenterui", [this] { return accessibility->notificationProcesses(); });
+        connection->watch(runLoop);
+    }
+
+    Services(const Services&) = delete;
+    Services& operator=(const Services&) = delete;
+
+    Platform platform() {
+        return {*accessibility, thisProgram,        *workspace,    *windowServer, *screens,   *events,
+                *eventTaps,     *hotKeys,           *inputSources, panels,        runLoop,    userDefaults,
+                pasteboard,     notificationCenter, milestones,    statusBar,     loginItems, updater};
+    }
+
+    std::unique_ptr<X11Windows> windows;
     QtRunLoop runLoop;
-    MilestoneFile milestones(qEnvironmentVariable("TARVIX_MILESTONES").toStdString());
-    QtUserDefaults userDefaults(QtUserDefaults::standardPath());
-    QtApplication thisProgram(environment);
+    MilestoneFile milestones{qEnvironmentVariable("TARVIX_MILESTONES").toStdString()};
+    QtUserDefaults userDefaults{QtUserDefaults::standardPath()};
+    QtApplication thisProgram;
     QtPasteboard pasteboard;
     QtNotificationCenter notificationCenter;
-    XdgAutostart loginItems(AutostartPlaces::standard());
-
-    const auto connection = require(X11Connection::open());
-    connection->noteRemainsIn(remains);
-    const auto events = require(X11Events::open(*connection));
-    const auto eventTaps = require(X11EventTaps::open(*connection, *events, runLoop));
-    const auto hotKeys = require(X11HotKeys::open(*connection));
-    const auto keyboard = require(X11Keyboard::open(*connection, *events));
-    const auto inputSources = require(X11InputSources::open(runLoop));
-    const auto screens = require(X11Screens::open(*connection));
-    const auto windowServer = require(X11WindowServer::open(*windows));
-    const auto workspace = require(X11Workspace::open(*connection, *windows));
-    const auto accessibility = require(AtspiService::open(*windows));
-    accessibility->setOwnProcess(getpid());
+    XdgAutostart loginItems{AutostartPlaces::standard()};
+    std::unique_ptr<X11Connection> connection = require(X11Connection::open());
+    std::unique_ptr<X11Events> events = require(X11Events::open(*connection));
+    std::unique_ptr<X11EventTaps> eventTaps = require(X11EventTaps::open(*connection, *events, runLoop));
+    std::unique_ptr<X11HotKeys> hotKeys = require(X11HotKeys::open(*connection));
+    std::unique_ptr<X11Keyboard> keyboard = require(X11Keyboard::open(*connection, *events));
+    std::unique_ptr<X11InputSources> inputSources = require(X11InputSources::open(runLoop));
+    std::unique_ptr<X11Screens> screens = require(X11Screens::open(*connection));
+    std::unique_ptr<X11WindowServer> windowServer = require(X11WindowServer::open(*windows));
+    std::unique_ptr<X11Workspace> workspace = require(X11Workspace::open(*connection, *windows));
+    std::unique_ptr<AtspiService> accessibility = require(AtspiService::open(*windows));
     QtScreenReader screenReader;
-    workspace->setScreenReader({[&] { return screenReader.isRunning(); },
-                                [&](std::string_view text, int priority) { screenReader.announce(text, priority); }});
-    workspace->setRole("com.apple.dock", [&] { return dockProcesses(*windows); });
-    workspace->setRole("com.apple.notificationcenterui", [&] { return accessibility->notificationProcesses(); });
-    DesktopAppearanceSources appearances(*connection, environment);
-    QtPanels panels({*keyboard, *screens, milestones, appearances.together});
-    QtStatusBar statusBar(appearances.together, [&](TrayWindowUse use) {
-        return std::make_unique<X11TrayWindow>(*connection, std::move(use));
-    });
-    QtUpdater updater(QtUpdater::builtInSource(), QtUpdater::thisSystem(TARVIX_VERSION),
-                      {QtUpdater::standardFolder(), environment}, userDefaults, appearances.together);
-    connection->watch(runLoop);
-    const Subscription hotKeyPressed = hotKeys->onHotKey([&](HotKeyEvent event, std::uint32_t) {
-        if (event == HotKeyEvent::pressed) milestones.reached(milestone::hotKeyPressed, 0);
-    });
+    DesktopAppearanceSources appearances;
+    QtPanels panels{{*keyboard, *screens, milestones, appearances.together}};
+    QtStatusBar statusBar{appearances.together, [this](TrayWindowUse use) {
+                              return std::make_unique<X11TrayWindow>(*connection, std::move(use));
+                          }};
+    QtUpdater updater;
+};
 
-    const Platform platform{*accessibility, thisProgram,        *workspace,    *windowServer, *screens,   *events,
-                            *eventTaps,     *hotKeys,           *inputSources, panels,        runLoop,    userDefaults,
-                            pasteboard,     notificationCenter, milestones,    statusBar,     loginItems, updater};
-    TarvixApp program(platform);
+std::unique_ptr<SettingsWindow> makeSettingsWindow(Services& services, TarvixApp& program) {
+    AppCore& core = program.core();
+    const RecorderServices recorder{
+        core.keyboardShortcuts(), *services.inputSources, services.thisProgram, services.runLoop,
+        [](std::uint32_t scanCode) { return keyCodeOfX11(static_cast<std::uint8_t>(scanCode)); }};
+    return std::make_unique<SettingsWindow>(SettingsWindowServices{services.userDefaults, services.appearances.together,
+                                                                   program.launchAtLogin(), core.controlEffects(),
+                                                                   recorder});
+}
+
+// What others ask of the running program on the session bus.
+Subscription serveOthers(RunningInstance& instance, Services& services, TarvixApp& program) {
+    AppDelegate& delegate = program.appDelegate();
+    return instance.serve(services.runLoop,
+                          {.activate = [&] { delegate.applicationShouldHandleReopen(); },
+                           .open = [&](const std::vector<std::string>& urls) { delegate.openURLs(urls); },
+                           .showSettings = [&] { delegate.applicationShouldHandleReopen(); },
+                           .quit = [&] { services.thisProgram.terminate(); }});
+}
+
+int run(RunningInstance& instance, std::unique_ptr<X11Windows> windows, const QProcessEnvironment& environment,
+        X11Remains& remains) {
+    Services services(std::move(windows), environment, remains);
+    const Subscription hotKeyPressed = services.hotKeys->onHotKey([&](HotKeyEvent event, std::uint32_t) {
+        if (event == HotKeyEvent::pressed) services.milestones.reached(milestone::hotKeyPressed, 0);
+    });
+    TarvixApp program(services.platform());
     AppCore& core = program.core();
     const auto wakeFrontmost = [&] {
-        const auto frontmost = core.isStarted() ? workspace->frontmostApplication() : std::nullopt;
-        if (frontmost) accessibility->wake(frontmost->processIdentifier);
+        const auto frontmost = core.isStarted() ? services.workspace->frontmostApplication() : std::nullopt;
+        if (frontmost) services.accessibility->wake(frontmost->processIdentifier);
     };
     const auto closeTheInput = [&core] {
         if (core.isStarted()) core.theInput().close();
     };
-    thisProgram.setSettingsWindow([&] {
-        const RecorderServices recorder{
-            core.keyboardShortcuts(), *inputSources, thisProgram, runLoop,
-            [](std::uint32_t scanCode) { return keyCodeOfX11(static_cast<std::uint8_t>(scanCode)); }};
-        return std::make_unique<SettingsWindow>(SettingsWindowServices{
-            userDefaults, appearances.together, program.launchAtLogin(), core.controlEffects(), recorder});
-    });
-    TrustWatcher trustWatcher([&] { accessibility->noteTrustChange(); });
-    thisProgram.onLastWindowClosed([&] { program.appDelegate().applicationShouldTerminateAfterLastWindowClosed(); });
+    services.thisProgram.setSettingsWindow([&] { return makeSettingsWindow(services, program); });
+    TrustWatcher trustWatcher([&] { services.accessibility->noteTrustChange(); });
+    services.thisProgram.onLastWindowClosed(
+        [&] { program.appDelegate().applicationShouldTerminateAfterLastWindowClosed(); });
     // Who has asked by now has asked before the start.
-    const Subscription served = instance.serve(
-        runLoop, {.activate = [&] { program.appDelegate().applicationShouldHandleReopen(); },
-                  .open = [&](const std::vector<std::string>& urls) { program.appDelegate().openURLs(urls); },
-                  .showSettings = [&] { program.appDelegate().applicationShouldHandleReopen(); },
-                  .quit = [&] { thisProgram.terminate(); }});
+    const Subscription served = serveOthers(instance, services, program);
     program.appDelegate().applicationDidFinishLaunching();
     wakeFrontmost();
     const Subscription activation =
-        workspace->onApplicationActivated([&](const RunningApplication&) { wakeFrontmost(); });
+        services.workspace->onApplicationActivated([&](const RunningApplication&) { wakeFrontmost(); });
 
-    const Subscription termination = onTerminationSignal(runLoop, [&] {
+    const Subscription termination = onTerminationSignal(services.runLoop, [&] {
         closeTheInput();  // gives the keyboard back before anything is waited for
         QCoreApplication::exit();
     });
     ScreenLock screenLock;
     const Subscription screenLocked = screenLock.onLocked(closeTheInput);
-    const Subscription serverGone = connection->onGone([&] {
+    const Subscription serverGone = services.connection->onGone([&] {
         std::fputs("tarvix: the X server has closed the connection\n", stderr);
         closeTheInput();
         QCoreApplication::exit(static_cast<int>(ExitStatus::failure));
     });
     const int status = QCoreApplication::exec();
-    thisProgram.dropSettingsWindow();
-    runLoop.waitForBodies();
+    services.thisProgram.dropSettingsWindow();
+    services.runLoop.waitForBodies();
     return status;
 }
 
