@@ -203,9 +203,11 @@ private:
             selectOn(number, XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY);
         }
         auto seen = take(ask(number));
-        x_->handOutArrived();  // of the time before the reading
         kept_ = seen.value_or(Seen{});
         isKept_ = seen.has_value();
+        // Only now: a window that went while it was read would be kept for ever, and its number may come to stand for
+        // another program's.
+        x_->handOutArrived();
         return seen;
     }
 
