@@ -1,7 +1,6 @@
 #include "qt/QtInspectorPanel.h"
 
 #include <QApplication>
-#include <QBitmap>
 #include <QGlyphRun>
 #include <QPainter>
 #include <QTextLayout>
@@ -9,6 +8,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "qt/RoundedPanel.h"
 #include "qt/ServerSync.h"
 
 namespace tarvix {
@@ -77,13 +77,6 @@ QString showable(const QString& text, const QFont& font) {
     return words.join(' ');
 }
 
-QFont fontOf(double pixels, QFont::Weight weight) {
-    QFont font = QGuiApplication::font();
-    font.setPixelSize(std::max(1, static_cast<int>(std::lround(pixels))));
-    font.setWeight(weight);
-    return font;
-}
-
 class InspectorWindow : public QWidget {
 public:
     InspectorWindow()
@@ -104,12 +97,12 @@ public:
     Size arrange(Size most) {
         const double paddings = 2 * kPadding * scale_;
         const double width = most.width - paddings;
-        const QFont headingFont = fontOf(kHeadingSize * scale_, QFont::Bold);
+        const QFont headingFont = panelFont(kHeadingSize * scale_, QFont::Bold);
         heading_.arrange(showable(QString::fromStdString(content_.heading), headingFont), headingFont,
                          {width, most.height});
         QString body = QString::fromStdString(content_.body);
         if (body.endsWith('\n')) body.chop(1);
-        body_.arrange(body, fontOf(kTextSize * scale_, QFont::Normal), {width, most.height - paddings - bodyTop()});
+        body_.arrange(body, panelFont(kTextSize * scale_, QFont::Normal), {width, most.height - paddings - bodyTop()});
         return {std::min(most.width, std::ceil(std::max(heading_.size().width(), body_.size().width()) + paddings)),
                 std::min(most.height, std::ceil(paddings + bodyTop() + body_.size().height()))};
     }
@@ -160,20 +153,12 @@ private:
         return QRectF(rect()).adjusted(inset, inset, -inset, -inset);
     }
 
-    // Without a compositor the corners would show as black.
     void maskIfOpaque() {
         if (translucent_ || size().isEmpty()) {
             clearMask();
             return;
         }
-        QBitmap shape(size());
-        shape.clear();
-        QPainter painter(&shape);
-        painter.setBrush(Qt::color1);
-        painter.setPen(QPen(Qt::color1, kBorder * scale_));
-        painter.drawRoundedRect(box(), kCornerRadius * scale_, kCornerRadius * scale_);
-        painter.end();
-        setMask(shape);
+        maskRounded(*this, box(), kCornerRadius * scale_, kBorder * scale_);
     }
 
     InspectorContent content_;

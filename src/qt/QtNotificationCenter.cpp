@@ -3,6 +3,7 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 
+#include "qt/QtText.h"
 #include "qt/SessionBus.h"
 
 namespace tarvix {
@@ -13,7 +14,7 @@ QtNotificationCenter::QtNotificationCenter() {
 
 void QtNotificationCenter::post(std::string_view name) {
     if (!haveSessionBus()) return;
-    const QString member = QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size()));
+    const QString member = textOf(name);
     QDBusConnection::sessionBus().send(QDBusMessage::createSignal("/org/tarvix/Tarvix", "org.tarvix.Tarvix", member));
 }
 

@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "qt/QtText.h"
 #include "qt/SessionBus.h"
 
 namespace tarvix {
@@ -106,7 +107,7 @@ void QtScreenReader::statusChanged(const QString& interface, const QVariantMap& 
 }
 
 void QtScreenReader::announce(std::string_view text, int priority) {
-    const QString said = QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+    const QString said = textOf(text);
     unsaid_.push_back({speaker(), said, priority >= kHighPriority ? kAssertive : kPolite});
     if (unsaid_.size() == 1) askWhatIsHeard();
 }

@@ -1,7 +1,6 @@
 #include "qt/QtSplashPanel.h"
 
 #include <QApplication>
-#include <QBitmap>
 #include <QCloseEvent>
 #include <QLabel>
 #include <QMouseEvent>
@@ -12,6 +11,8 @@
 #include <cmath>
 
 #include "qt/ProgramIcon.h"
+#include "qt/QtText.h"
+#include "qt/RoundedPanel.h"
 #include "qt/SplashButton.h"
 #include "qt/XcbOfQt.h"
 
@@ -31,15 +32,6 @@ constexpr double kBesideButtonText = 8;
 
 constexpr float kOpacity = 0.97F;  // where windows are blended
 constexpr std::uint32_t kEveryDesktop = 0xffffffff;
-
-QString textOf(std::string_view from) { return QString::fromUtf8(from.data(), static_cast<qsizetype>(from.size())); }
-
-QFont fontOf(double pixels, QFont::Weight weight) {
-    QFont font = QGuiApplication::font();
-    font.setPixelSize(std::max(1, static_cast<int>(std::lround(pixels))));
-    font.setWeight(weight);
-    return font;
-}
 
 class SplashWindow : public QWidget {
 public:
@@ -130,9 +122,9 @@ private:
         icon->setAlignment(Qt::AlignCenter);
         column->addWidget(icon);
         column->addSpacing(pixels(kBelowIcon));
-        column->addWidget(label(content_->title, fontOf(kTitleSize * appearance_.scale, QFont::Bold)));
+        column->addWidget(label(content_->title, panelFont(kTitleSize * appearance_.scale, QFont::Bold)));
         column->addSpacing(pixels(content_->spaceBelowTitle));
-        column->addWidget(label(content_->text, fontOf(kTextSize * appearance_.scale, QFont::Normal)));
+        column->addWidget(label(content_->text, panelFont(kTextSize * appearance_.scale, QFont::Normal)));
         column->addSpacing(pixels(kBelowText - kBetweenButtons));
         for (const SplashButton& button : content_->buttons) {
             column->addSpacing(pixels(kBetweenButtons));
@@ -160,7 +152,7 @@ private:
     // Fonts differ in width, and the panel doesn't; the buttons are alike.
     QFont buttonFont() const {
         const int room = pixels(content_->width - 2 * kPadding - 2 * kBesideButtonText);
-        QFont font = fontOf(kTextSize * appearance_.scale, QFont::Normal);
+        QFont font = panelFont(kTextSize * appearance_.scale, QFont::Normal);
         const auto fits = [&](const SplashButton& button) {
             return QFontMetrics(font).horizontalAdvance(textOf(button.title)) <= room;
         };
@@ -183,20 +175,12 @@ private:
         return made;
     }
 
-    // Without a compositor the corners would show as black.
     void maskIfOpaque() {
         if (translucent_ || size().isEmpty()) {
             clearMask();
             return;
         }
-        QBitmap shape(size());
-        shape.clear();
-        QPainter painter(&shape);
-        painter.setBrush(Qt::color1);
-        painter.setPen(QPen(Qt::color1, appearance_.scale));
-        painter.drawRoundedRect(box(), radius(), radius());
-        painter.end();
-        setMask(shape);
+        maskRounded(*this, box(), radius(), appearance_.scale);
     }
 
     std::optional<SplashContent> content_;

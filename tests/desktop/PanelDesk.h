@@ -7,7 +7,10 @@
 #include <string>
 #include <thread>
 
+#include "ax/AXEngine2.h"
 #include "linux/atspi/SdBus.h"
+#include "linux/x11/Panels.h"
+#include "tests/desktop/RealServices.h"
 #include "tests/desktop/play/Await.h"
 #include "tests/desktop/play/Fixture.h"
 #include "tests/desktop/play/Process.h"
@@ -40,6 +43,13 @@ public:
 private:
     ScratchFolder folder_;
 };
+
+// What reads the panels, and knows which of them is the dock. `services` outlive it.
+inline AXEngine2 engineWithDock(RealServices& services) {
+    X11Windows& windows = *services.windows;
+    services.workspace->setRole("com.apple.dock", [&windows] { return dockProcesses(windows); });
+    return AXEngine2(services.platform());
+}
 
 // Whether somebody shows what tells of itself on the session bus. A program of Qt that starts before that embeds a
 // window.

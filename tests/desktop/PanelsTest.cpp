@@ -147,11 +147,7 @@ protected:
     static constexpr int kSteady = 3;
     Configuration configuration_;
     RealServices services_;
-    const AXEngine2 engine_{[this] {
-        X11Windows& windows = *services_.windows;
-        services_.workspace->setRole("com.apple.dock", [&windows] { return dockProcesses(windows); });
-        return services_.platform();
-    }()};
+    const AXEngine2 engine_ = engineWithDock(services_);
     Keyboard keyboard_;
     std::optional<Program> program_;
 };

@@ -18,6 +18,7 @@
 #include "platform/Panels.h"
 #include "platform/Screens.h"
 #include "qt/PanelServices.h"
+#include "tests/TestAppearance.h"
 
 namespace tarvix {
 
@@ -108,20 +109,6 @@ public:
     bool has(const std::string& moment) const;
 
     std::vector<std::string> moments;
-};
-
-class TestAppearance : public Appearance {
-public:
-    const AppearanceValues& values() const override { return values_; }
-    Subscription onChange(std::function<void()> changed) override { return changed_.add(std::move(changed)); }
-    void change(const AppearanceValues& values) {
-        values_ = values;
-        changed_();
-    }
-
-private:
-    AppearanceValues values_;
-    Listeners<> changed_;
 };
 
 class QtPanelTest : public QtTest {

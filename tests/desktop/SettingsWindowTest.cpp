@@ -29,20 +29,6 @@ namespace {
 using testing::ElementsAre;
 using Value = UserDefaults::Value;
 
-class ChosenAppearance : public Appearance {
-public:
-    const AppearanceValues& values() const override { return values_; }
-    Subscription onChange(std::function<void()> changed) override { return changed_.add(std::move(changed)); }
-    void set(const AppearanceValues& values) {
-        values_ = values;
-        changed_();
-    }
-
-private:
-    AppearanceValues values_{.accent = {0.2, 0.45, 0.9}, .selection = {0.2, 0.45, 0.9}};
-    Listeners<> changed_;
-};
-
 class PreviewCount : public InputPreview, public TargetsPreview {
 public:
     void showPlaced(const std::string&) override { ++positions; }
@@ -96,7 +82,7 @@ protected:
 
     SimulatedDesktop desk;
     SimulatedUserDefaults& store = desk.userDefaults;
-    ChosenAppearance appearance;
+    TestAppearance appearance{{.accent = {0.2, 0.45, 0.9}, .selection = {0.2, 0.45, 0.9}}};
     PreviewCount previews;
 
 private:
@@ -314,7 +300,7 @@ TEST_F(SettingsWindowTest, AtTwiceTheScaleEverythingIsTwiceAsLargeAndScrollsWher
     const QSize plain = window().size();
     AppearanceValues twice = appearance.values();
     twice.scale = 2;
-    appearance.set(twice);
+    appearance.change(twice);
     EXPECT_TRUE(runUntil([&] { return window().width() == 2 * plain.width(); }));
     store.set("targetsColor", std::string("custom"));
     for (int i = 0; i < tabs().count(); ++i) {
@@ -333,11 +319,11 @@ TEST_F(SettingsWindowTest, ItFollowsLightAndDark) {
     EXPECT_GT(ground(), 200);
     AppearanceValues dark = appearance.values();
     dark.isDark = true;
-    appearance.set(dark);
+    appearance.change(dark);
     drain();
     EXPECT_LT(ground(), 80);
     dark.isDark = false;
-    appearance.set(dark);
+    appearance.change(dark);
     drain();
     EXPECT_GT(ground(), 200);
 }

@@ -141,11 +141,7 @@ protected:
 
     Configuration configuration_;
     RealServices services_;
-    const AXEngine2 engine_{[this] {
-        X11Windows& windows = *services_.windows;
-        services_.workspace->setRole("com.apple.dock", [&windows] { return dockProcesses(windows); });
-        return services_.platform();
-    }()};
+    const AXEngine2 engine_ = engineWithDock(services_);
     Keyboard keyboard_;
     X11Victim victim_{{100, 100, 300, 200, false}};
     std::optional<Process> panel_;

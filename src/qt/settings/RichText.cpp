@@ -2,15 +2,15 @@
 
 #include <QStringList>
 
+#include "qt/QtText.h"
+
 namespace tarvix {
 
-QString plainText(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())).remove('`');
-}
+QString plainText(std::string_view text) { return textOf(text).remove('`'); }
 
 // Code stays on one line.
 QString richText(std::string_view text) {
-    const QStringList parts = QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())).split('`');
+    const QStringList parts = textOf(text).split('`');
     QString html;
     for (qsizetype i = 0; i < parts.size(); ++i) {
         const QString part = parts[i].toHtmlEscaped();

@@ -5,6 +5,7 @@
 #include <QPainterPath>
 #include <algorithm>
 
+#include "qt/QtText.h"
 #include "qt/settings/SymbolImages.h"
 
 namespace tarvix {
@@ -15,8 +16,6 @@ namespace {
 constexpr double kSymbol = 24, kAbove = 7, kBetween = 4, kBelow = 6, kBeside = 12, kLeastWidth = 72, kApart = 3;
 constexpr double kCorner = 7, kRing = 2;
 constexpr double kSelected = 0.11, kHovered = 0.05;  // how much of the text's colour is in the ground
-
-QString text(std::string_view from) { return QString::fromUtf8(from.data(), static_cast<qsizetype>(from.size())); }
 
 }  // namespace
 
@@ -30,7 +29,7 @@ TabRow::TabRow(const std::vector<Tab>& tabs, QWidget* parent) : QTabBar(parent) 
     setAccessibleName("Settings");
     for (const Tab& tab : tabs) {
         symbols_.push_back(tab.symbol);
-        addTab(text(tab.label));
+        addTab(textOf(tab.label));
     }
 }
 

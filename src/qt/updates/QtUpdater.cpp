@@ -8,6 +8,7 @@
 #include <string_view>
 #include <utility>
 
+#include "qt/QtText.h"
 #include "qt/updates/UpdateFolder.h"
 #include "updates/UpdateAddress.h"
 
@@ -17,8 +18,6 @@ namespace {
 
 constexpr const char* kCheckFailed = "The check for updates failed";
 constexpr const char* kUpdateFailed = "The update can't be installed";
-
-QString text(std::string_view from) { return QString::fromUtf8(from.data(), static_cast<qsizetype>(from.size())); }
 
 std::optional<UpdateKey> keyOf(const QtUpdater::Source& source) {
     if (source.feed.empty() && source.key.empty()) return std::nullopt;
@@ -123,7 +122,7 @@ void QtUpdater::tell(const UpdateChoice& choice, CheckReason reason) {
         offer(*update, reason);
     else
         say("You're up to date!",
-            QString("Tarvix %1 is the newest version available.").arg(text(system_.programVersion)));
+            QString("Tarvix %1 is the newest version available.").arg(textOf(system_.programVersion)));
 }
 
 void QtUpdater::offer(const AvailableUpdate& update, CheckReason reason) {
@@ -136,7 +135,7 @@ void QtUpdater::offer(const AvailableUpdate& update, CheckReason reason) {
 
 void QtUpdater::download(const AvailableUpdate& update) {
     setBusy(true);
-    window_.showProgress(QString("Downloading Tarvix %1...").arg(text(update.displayVersion)), [this] { giveUp(); });
+    window_.showProgress(QString("Downloading Tarvix %1...").arg(textOf(update.displayVersion)), [this] { giveUp(); });
     fetcher().download(
         {update, *key_, system_.programVersion, place_.folder, place_.environment},
         [this](double part) { window_.setProgress(part); },
@@ -168,7 +167,7 @@ void QtUpdater::handOver(const AvailableUpdate& update, const QString& path) {
     say("The update is ready",
         QString("Tarvix %1 has been downloaded and checked, and is handed to your desktop's installer. "
                 "When it is installed, quit Tarvix and open it again.")
-            .arg(text(update.displayVersion)));
+            .arg(textOf(update.displayVersion)));
     opener->start("xdg-open", {path});
 }
 
@@ -176,11 +175,11 @@ void QtUpdater::say(const QString& heading, const QString& what) {
     window_.showMessage(heading, what, [] {});
 }
 
-void QtUpdater::refuse(const QString& heading, UpdateRefusal refusal) { say(heading, text(messageOf(refusal))); }
+void QtUpdater::refuse(const QString& heading, UpdateRefusal refusal) { say(heading, textOf(messageOf(refusal))); }
 
 // The file is good: who knows how to install it by hand may do so.
 void QtUpdater::cannotOpen(const QString& path) {
-    say(kUpdateFailed, text(messageOf(UpdateRefusal::cannotInstall)) + "\n\nThe checked file is " + path);
+    say(kUpdateFailed, textOf(messageOf(UpdateRefusal::cannotInstall)) + "\n\nThe checked file is " + path);
 }
 
 void QtUpdater::giveUp() {

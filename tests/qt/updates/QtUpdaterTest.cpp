@@ -13,6 +13,7 @@
 
 #include "qt/updates/QtUpdater.h"
 #include "simulated/SimulatedUserDefaults.h"
+#include "tests/TestAppearance.h"
 #include "tests/qt/updates/Eventually.h"
 #include "tests/qt/updates/Release.h"
 #include "tests/qt/updates/TlsServer.h"
@@ -27,20 +28,6 @@ using testing::IsEmpty;
 
 constexpr const char* kFeed = "/feed.xml";
 constexpr const char* kFile = "/tarvix.deb";
-
-class TestAppearance : public Appearance {
-public:
-    const AppearanceValues& values() const override { return values_; }
-    Subscription onChange(std::function<void()> changed) override { return changed_.add(std::move(changed)); }
-    void set(const AppearanceValues& values) {
-        values_ = values;
-        changed_();
-    }
-
-private:
-    AppearanceValues values_;
-    Listeners<> changed_;
-};
 
 QDialog* window() {
     for (QWidget* const each : QApplication::topLevelWidgets())
@@ -733,7 +720,7 @@ TEST_F(QtUpdaterTest, EveryWordHasRoom) {
     start().checkForUpdates();
     ASSERT_TRUE(shows("A new version"));
     for (const double scale : {1.0, 2.0}) {
-        appearance.set({.isDark = false, .accent = {}, .selection = {}, .scale = scale});
+        appearance.change({.isDark = false, .accent = {}, .selection = {}, .scale = scale});
         expectRoom();
     }
     source.feed = "https://127.0.0.1:1/feed.xml";
@@ -742,13 +729,13 @@ TEST_F(QtUpdaterTest, EveryWordHasRoom) {
 }
 
 TEST_F(QtUpdaterTest, FollowsTheDesktopsScaleAndItsDarkness) {
-    appearance.set({.isDark = false, .accent = {}, .selection = {}, .scale = 1});
+    appearance.change({.isDark = false, .accent = {}, .selection = {}, .scale = 1});
     start().checkForUpdates();
     ASSERT_TRUE(shows("A new version"));
     const int textSize = button("Install Update")->font().pixelSize();
     EXPECT_GT(window()->palette().color(QPalette::Window).lightness(), 128);
     const int width = window()->width();
-    appearance.set({.isDark = true, .accent = {}, .selection = {}, .scale = 2});
+    appearance.change({.isDark = true, .accent = {}, .selection = {}, .scale = 2});
     EXPECT_EQ(button("Install Update")->font().pixelSize(), 2 * textSize);
     EXPECT_LT(window()->palette().color(QPalette::Window).lightness(), 128);
     EXPECT_GT(window()->width(), width);
